@@ -1,0 +1,1 @@
+// Stands in for an area of the library that has no sources yet.

@@ -1,0 +1,139 @@
+// Overflow scaling of a biquad cascade: the L1 norm of every node (each
+// section's output and both of its transposed-direct-form-II states), measured
+// by running a unit impulse through the cascade in 128-sample blocks, sets
+// the numerator scaling of each section.
+#include <cmath>
+#include <cstring>
+
+#include "iir_internal.h"
+
+namespace qh {
+namespace fd {
+namespace {
+
+constexpr int kBlock = QH_IIR_SCALE_BLOCK_LENGTH;
+constexpr int kInitialBlocks = 10;
+// A block whose last-section output sums to no more than this (a mean
+// magnitude of 1e-12 per sample) ends the decay phase.
+constexpr double kDecayThreshold = 1.28e-10;
+
+// Plain left-to-right sum of magnitudes.
+float SumAbs(const float* x) {
+  float sum = 0.0f;
+  for (int i = 0; i < kBlock; ++i) sum += std::fabs(x[i]);
+  return sum;
+}
+
+// Views of the caller's workspace (5*S + 384 floats).
+struct ScaleWorkspace {
+  explicit ScaleWorkspace(float* ws, int sections)
+      : state(ws),
+        block(ws + 2 * sections),
+        trace1(block + kBlock),
+        trace2(trace1 + kBlock),
+        sums(trace2 + kBlock) {}
+  float* state;   // 2 per section
+  float* block;   // the signal, filtered in place section after section
+  float* trace1;  // state 1 after each sample
+  float* trace2;  // state 2 after each sample
+  float* sums;    // 3 per section: output, state 1, state 2; later the peaks
+};
+
+// Runs the current block through every section, adding each node's block
+// magnitude to its running sum. Returns the last section's output sum over
+// this block.
+float RunBlock(const float* cascade, int sections, const ScaleWorkspace& w) {
+  float last = 0.0f;
+  for (int s = 0; s < sections; ++s) {
+    SOS_TransposedDirectForm2Filter(cascade + 5 * s, w.state + 2 * s, w.block, w.trace1, w.trace2);
+    last = SumAbs(w.block);
+    w.sums[3 * s] += last;
+    w.sums[3 * s + 1] += SumAbs(w.trace1);
+    w.sums[3 * s + 2] += SumAbs(w.trace2);
+  }
+  return last;
+}
+
+void ZeroBlock(const ScaleWorkspace& w) { std::memset(w.block, 0, sizeof(float) * kBlock); }
+
+// Steps 1-4: impulse, nine silent blocks, then silent blocks until the
+// cascade's output has died away (or the safety cap / divergence stops it).
+void MeasureNodeSums(const float* cascade, int sections, const ScaleWorkspace& w) {
+  std::memset(w.state, 0, sizeof(float) * 2 * sections);
+  std::memset(w.sums, 0, sizeof(float) * 3 * sections);
+  ZeroBlock(w);
+  w.block[0] = 1.0f;
+  RunBlock(cascade, sections, w);
+  for (int b = 1; b < kInitialBlocks; ++b) {
+    ZeroBlock(w);
+    RunBlock(cascade, sections, w);
+  }
+  for (long b = 0; b < kScaleDecayBlockCap; ++b) {
+    ZeroBlock(w);
+    const float last = RunBlock(cascade, sections, w);
+    if (static_cast<double>(last) <= kDecayThreshold) break;
+    if (!std::isfinite(last)) break;  // diverged: it will never decay
+  }
+}
+
+// Step 5: per-section peak over its three nodes, stored over the sums.
+void CollapseToPeaks(int sections, float* sums) {
+  for (int s = 0; s < sections; ++s) {
+    float peak = sums[3 * s];
+    if (sums[3 * s + 1] > peak) peak = sums[3 * s + 1];
+    if (sums[3 * s + 2] > peak) peak = sums[3 * s + 2];
+    sums[s] = peak;  // index s <= 3s: only already-consumed sums are overwritten
+  }
+}
+
+// Steps 6-7: numerator of section s times peak(s-1) / peak(s); the gain
+// float is replaced by the last peak.
+void ApplyScaling(float* cascade, int sections, const float* peaks) {
+  float prev = 1.0f;
+  for (int s = 0; s < sections; ++s) {
+    const float f = 1.0f / (peaks[s] / prev);
+    for (int i = 0; i < 3; ++i) cascade[5 * s + i] *= f;
+    prev = peaks[s];
+  }
+  cascade[5 * sections] = peaks[sections - 1];
+}
+
+}  // namespace
+}  // namespace fd
+}  // namespace qh
+
+extern "C" {
+
+void SOS_TransposedDirectForm2Filter(const float coefficients[5], float state[2], float block[128],
+                                     float state1_trace[128], float state2_trace[128]) {
+  const float b0 = coefficients[0], b1 = coefficients[1], b2 = coefficients[2];
+  const float a1 = coefficients[3], a2 = coefficients[4];  // stored negated
+  float s1 = state[0], s2 = state[1];
+  for (int n = 0; n < 128; ++n) {
+    const float x = block[n];
+    const float y = s1 + b0 * x;
+    s1 = s2 + b1 * x + a1 * y;
+    s2 = b2 * x + a2 * y;
+    block[n] = y;
+    state1_trace[n] = s1;
+    state2_trace[n] = s2;
+  }
+  state[0] = s1;
+  state[1] = s2;
+}
+
+QH_EXPORT void ScaleCascadedTransposedDirectForm2IIR(float* cascade, int section_count,
+                                                     float* workspace) {
+  if (section_count <= 0) return;
+  const qh::fd::ScaleWorkspace w(workspace, section_count);
+  qh::fd::MeasureNodeSums(cascade, section_count, w);
+  qh::fd::CollapseToPeaks(section_count, w.sums);
+  qh::fd::ApplyScaling(cascade, section_count, w.sums);
+}
+
+QH_EXPORT void OVA_ScaleCascadedTransposedDirectForm2IIR(float* cascade, int order, void* workspace) {
+  ScaleCascadedTransposedDirectForm2IIR(cascade, QH_IirSectionCount(order),
+                                        qh::fd::AlignWorkspace8(workspace));
+}
+
+}  // extern "C"

@@ -1,0 +1,133 @@
+// Headphone equalisers: sizing, loading into the native headphone-EQ record,
+// route-filtered resolution by identifier, and the rebuild from a record.
+#include <cstdint>
+#include <cstring>
+
+#include "QuillPb.h"
+#include "QuillPbConvert_Heron_v1_1.h"
+#include "QuillPb_identifiers.h"
+#include "QuillPb_models.h"
+#include "coefficient_io.h"
+#include "native_io.h"
+#include "quillHeronCoeffRecords.h"
+
+namespace quillheron {
+namespace {
+
+using quill::pb::model::headphoneEq;
+
+constexpr std::size_t kHpeqUuid = offsetof(_quillHpcLyraHpeqData, uuid);
+constexpr std::size_t kHpeqSampleRate = offsetof(_quillHpcLyraHpeqData, sample_rate);
+constexpr std::size_t kHpeqIhpirLength = offsetof(_quillHpcLyraHpeqData, ihpir_length);
+constexpr std::size_t kHpeqCoeffs = kQuillHpeqHeaderBytes;
+
+// The engine's limit on taps per channel response.
+constexpr std::uint32_t kMaxIhpirLength = 128;
+
+const char kRebuiltName[] = "From Heron STU";
+
+// Writes coefficient `index` unless it would fall outside `capacity` bytes.
+void storeTap(void* base, unsigned int capacity, std::int64_t index, std::int32_t value) {
+  if (index < 0 || static_cast<std::uint64_t>(kHpeqCoeffs) + 2 * static_cast<std::uint64_t>(index) + 2 > capacity) {
+    return;
+  }
+  native::storeI16(base, kHpeqCoeffs + 2 * static_cast<std::size_t>(index), value);
+}
+
+// Copies `count` source values from `from` to destination index `to`,
+// skipping source indices past the list and destination slots past the record.
+void copyTaps(void* base, unsigned int capacity, const Int32List& src, std::int64_t from,
+              std::int64_t to, std::int64_t count) {
+  for (std::int64_t j = 0; j < count; ++j) {
+    const std::int64_t s = from + j;
+    if (s < 0 || s >= src.size()) continue;
+    storeTap(base, capacity, to + j, src.Get(static_cast<int>(s)));
+  }
+}
+
+}  // namespace
+
+int processHpeqDataIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
+                      int* record, unsigned int capacity, int sample_rate) {
+  if (models.size() == 0) return QuillPb::kNothingToDo;
+  const headphoneEq* hpeq = findRoutedEntry<headphoneEq>(
+      models, [](const listeningModel& m) -> const auto& { return m.headphones(); }, uuid, route);
+  if (hpeq == nullptr) return QuillPb::kNothingToDo;
+  return QuillPb::loadHpeq(hpeq, record, capacity, sample_rate);
+}
+
+}  // namespace quillheron
+
+namespace QuillPb {
+
+using quillheron::CoefTable;
+
+unsigned int sizeofHpeq(const quill::pb::model::headphoneEq* hpeq, int sample_rate) {
+  if (hpeq == nullptr) return 0;
+  const CoefTable* table = quillheron::findCoefficients(hpeq->coefftables(), sample_rate);
+  if (table == nullptr) return 0;
+  const std::size_t bytes = quillheron::kHpeqCoeffs + 2 * static_cast<std::size_t>(table->coeff_16_size());
+  return bytes > 0xFFFFFFFFu ? 0xFFFFFFFFu : static_cast<unsigned int>(bytes);
+}
+
+int loadHpeq(const quill::pb::model::headphoneEq* hpeq, int* record, unsigned int capacity,
+             int sample_rate) {
+  namespace native = quillheron::native;
+  if (hpeq == nullptr) return kNoTable;
+  const CoefTable* table = quillheron::findCoefficients(hpeq->coefftables(), sample_rate);
+  if (table == nullptr || table->coeff_16_size() == 0) return kNoTable;
+  // Not even the header fits: refuse rather than write past the record.
+  if (record == nullptr || capacity < quillheron::kHpeqCoeffs) return kRecordTooSmall;
+
+  unsigned char* base = reinterpret_cast<unsigned char*>(record);
+  native::storeI32(base, quillheron::kHpeqSampleRate, table->samplerate());
+  std::uint8_t uuid[quillheron::kUuidBytes];
+  quillheron::convertStringToUuidString(hpeq->uuid(), uuid);
+  std::memcpy(base + quillheron::kHpeqUuid, uuid, sizeof(uuid));
+
+  const quillheron::Int32List& src = table->coeff_16();
+  const std::int64_t n = src.size();
+  if (hpeq->ihpirlength() <= quillheron::kMaxIhpirLength) {
+    native::storeU32(base, quillheron::kHpeqIhpirLength, hpeq->ihpirlength());
+    // Every value, as far as the record reaches.
+    quillheron::copyTaps(base, capacity, src, 0, 0, n);
+    return kOk;
+  }
+
+  // Longer responses: each channel keeps its first m taps, m being what fits.
+  native::storeU32(base, quillheron::kHpeqIhpirLength, quillheron::kMaxIhpirLength);
+  const std::int64_t m = (static_cast<std::int64_t>(capacity / 2) - 14) / 2;
+  const std::int64_t channel2 = (n - 2) / 2 + 2;
+  quillheron::copyTaps(base, capacity, src, 0, 0, 2);
+  quillheron::copyTaps(base, capacity, src, 2, 2, m);
+  quillheron::copyTaps(base, capacity, src, channel2, 2 + m, m);
+  return kOk;
+}
+
+int processHpeqData(quill::pb::hub::AudioRoute route, const std::string& uuid,
+                    const ModelList& models, int* record, unsigned int capacity,
+                    int sample_rate) {
+  return quillheron::processHpeqDataIn(route, uuid, quillheron::ModelSequence(models), record,
+                                       capacity, sample_rate);
+}
+
+}  // namespace QuillPb
+
+void QuillHeron_v1_1_Pb::_addHpeq(listeningModel* model, const _quillHpcLyraHpeqData* hpeq,
+                                  unsigned int size, ResourceLocator* locator) {
+  namespace native = quillheron::native;
+  if (model == nullptr || hpeq == nullptr) return;
+  std::uint8_t uuid[quillheron::kUuidBytes];
+  std::memcpy(uuid, hpeq->uuid, sizeof(uuid));
+  const std::string text = quillheron::uuidBytesToString(uuid);
+
+  quill::pb::model::headphoneEq* out = model->add_headphones();
+  out->set_uuid(text);
+  out->set_name(quillheron::kRebuiltName);
+  out->set_ihpirlength(native::loadU32(hpeq, quillheron::kHpeqIhpirLength));
+  quill::pb::coef::CoefTable* table = out->add_coefftables();
+  table->set_samplerate(native::loadI32(hpeq, quillheron::kHpeqSampleRate));
+  const std::size_t taps = size > quillheron::kHpeqCoeffs ? (size - quillheron::kHpeqCoeffs) / 2 : 0;
+  quillheron::appendInt16s(table->mutable_coeff_16(), hpeq, quillheron::kHpeqCoeffs, taps);
+  if (locator != nullptr) locator->set_uuid(text);
+}

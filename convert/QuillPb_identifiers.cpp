@@ -1,0 +1,68 @@
+// Identifier text <-> bytes, and the case-insensitive identifier comparison.
+#include "QuillPb_identifiers.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+namespace quillheron {
+namespace {
+
+// Byte indices after which the printed form carries a dash.
+constexpr unsigned int atDash[] = {3, 5, 7, 9};
+
+int hexValue(unsigned char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+}  // namespace
+
+bool convertStringToUuidString(const std::string& text, std::uint8_t out[kUuidBytes]) {
+  std::memset(out, 0, kUuidBytes);
+  if (text.size() != kUuidTextLength) return false;
+  unsigned int produced = 0;
+  std::size_t i = 0;
+  while (produced < kUuidBytes && i < text.size()) {
+    const unsigned char c = static_cast<unsigned char>(text[i]);
+    if (!std::isxdigit(c)) {
+      ++i;
+      continue;
+    }
+    if (i + 1 >= text.size()) break;
+    const unsigned char d = static_cast<unsigned char>(text[i + 1]);
+    if (!std::isxdigit(d)) break;
+    out[produced++] = static_cast<std::uint8_t>((hexValue(c) << 4) | hexValue(d));
+    i += 2;
+  }
+  return produced == kUuidBytes;
+}
+
+bool CompareCI(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const int ca = std::toupper(static_cast<unsigned char>(a[i]));
+    const int cb = std::toupper(static_cast<unsigned char>(b[i]));
+    if (ca != cb) return false;
+  }
+  return true;
+}
+
+std::string uuidBytesToString(const std::uint8_t bytes[kUuidBytes]) {
+  char text[kUuidTextLength + 1];
+  std::size_t pos = 0;
+  std::size_t dash = 0;
+  for (unsigned int i = 0; i < kUuidBytes; ++i) {
+    std::snprintf(text + pos, sizeof(text) - pos, "%02x", static_cast<unsigned int>(bytes[i]));
+    pos += 2;
+    if (dash < sizeof(atDash) / sizeof(atDash[0]) && atDash[dash] == i) {
+      text[pos++] = '-';
+      ++dash;
+    }
+  }
+  return std::string(text, pos);
+}
+
+}  // namespace quillheron

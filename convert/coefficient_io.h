@@ -1,0 +1,84 @@
+// Copies between repeated message fields and native coefficient arrays, and
+// the sample-rate table selection shared by every coefficient loader.
+// Stateless helpers; safe from any thread.
+#ifndef QUILLHERON_CONVERT_COEFFICIENT_IO_H_
+#define QUILLHERON_CONVERT_COEFFICIENT_IO_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include <google/protobuf/repeated_field.h>
+
+#include "coefs.pb.h"
+#include "native_io.h"
+
+namespace quillheron {
+
+using CoefTable = quill::pb::coef::CoefTable;
+using CoefTableList = google::protobuf::RepeatedPtrField<CoefTable>;
+using Int32List = google::protobuf::RepeatedField<std::int32_t>;
+using FloatList = google::protobuf::RepeatedField<float>;
+
+// The first table whose sampleRate is present and equal to `rate`, or null.
+// No nearest-rate fallback.
+const CoefTable* findCoefficients(const CoefTableList& tables, int rate);
+
+// Number of elements to copy: `wanted`, cut at the list's own size and at the
+// native capacity, so a copy never reads past the message or writes past the
+// array.
+inline std::size_t copyCount(std::size_t wanted, int list_size, std::size_t capacity) {
+  std::size_t n = wanted;
+  const std::size_t have = list_size > 0 ? static_cast<std::size_t>(list_size) : 0;
+  if (n > have) n = have;
+  if (n > capacity) n = capacity;
+  return n;
+}
+
+// Message to native: the first `count` values into consecutive native fields
+// starting at byte `offset` of `base`.
+// REQUIRES: count <= src.size() and the destination range lies in the record.
+inline void storeInt32s(void* base, std::size_t offset, const Int32List& src,
+                        std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    native::storeI32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+  }
+}
+
+// int16 fields keep the low 16 bits of each value.
+inline void storeInt16s(void* base, std::size_t offset, const Int32List& src,
+                        std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    native::storeI16(base, offset + 2 * i, src.Get(static_cast<int>(i)));
+  }
+}
+
+inline void storeFloats(void* base, std::size_t offset, const FloatList& src,
+                        std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    native::storeF32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+  }
+}
+
+// Native to message: append `count` consecutive native fields.
+inline void appendInt32s(Int32List* dst, const void* base, std::size_t offset,
+                         std::size_t count) {
+  dst->Reserve(dst->size() + static_cast<int>(count));
+  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadI32(base, offset + 4 * i));
+}
+
+// int16 fields are sign-extended.
+inline void appendInt16s(Int32List* dst, const void* base, std::size_t offset,
+                         std::size_t count) {
+  dst->Reserve(dst->size() + static_cast<int>(count));
+  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadI16(base, offset + 2 * i));
+}
+
+inline void appendFloats(FloatList* dst, const void* base, std::size_t offset,
+                         std::size_t count) {
+  dst->Reserve(dst->size() + static_cast<int>(count));
+  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadF32(base, offset + 4 * i));
+}
+
+}  // namespace quillheron
+
+#endif  // QUILLHERON_CONVERT_COEFFICIENT_IO_H_

@@ -1,0 +1,36 @@
+// Test helpers: frequency response of float biquad cascades, evaluated
+// directly from H(z) = (b0 + b1 z^-1 + b2 z^-2) / (1 - A1 z^-1 - A2 z^-2)
+// (A1 and A2 are stored negated) in double precision.
+#ifndef QUILLHERON_TESTS_FILTERDESIGN_IIR_TEST_RESPONSE_H_
+#define QUILLHERON_TESTS_FILTERDESIGN_IIR_TEST_RESPONSE_H_
+
+#include <cmath>
+#include <complex>
+
+namespace qh_test {
+
+constexpr double kPi = 3.14159265358979323846;
+
+// Response of one section at normalised angle w (radians per sample).
+inline std::complex<double> SectionResponse(const float* s, double w) {
+  const std::complex<double> z1 = std::polar(1.0, -w);  // z^-1
+  const std::complex<double> z2 = z1 * z1;
+  const std::complex<double> num = double(s[0]) + double(s[1]) * z1 + double(s[2]) * z2;
+  const std::complex<double> den = 1.0 - double(s[3]) * z1 - double(s[4]) * z2;
+  return num / den;
+}
+
+// Response of a cascade of `sections` sections followed by its gain float.
+inline std::complex<double> CascadeResponse(const float* cascade, int sections, double w) {
+  std::complex<double> h = double(cascade[5 * sections]);
+  for (int s = 0; s < sections; ++s) h *= SectionResponse(cascade + 5 * s, w);
+  return h;
+}
+
+inline double Angle(double freq_hz, double sample_rate) { return 2.0 * kPi * freq_hz / sample_rate; }
+
+inline double Db(double magnitude) { return 20.0 * std::log10(magnitude); }
+
+}  // namespace qh_test
+
+#endif  // QUILLHERON_TESTS_FILTERDESIGN_IIR_TEST_RESPONSE_H_

@@ -1,0 +1,182 @@
+// Postmix control record: the mode-slot permutation of the per-mode arrays,
+// bypass_mode in message order, the lyra_multi_ch rewrite, the Enhance2 result
+// kept to the end, and the clearing convert.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "QuillPbConvert_Heron_v1_1.h"
+#include "ctrl_test_util.h"
+
+namespace {
+
+using quill::pb::heron_v1_1::HeronSettings;
+using quill::pb::heron_v1_1::Postmix;
+
+constexpr uint32_t P = 0xA5A5A5A5u;
+
+// Per-mode arrays, by HeronModeOrder in the message; native slots are
+// Stereo, Front, Wide, Bypass, Multichannel, Downmix.
+struct ArrayCase {
+  const char* name;
+  std::size_t offset;
+  void (Postmix::*add)(int32_t);
+  int (Postmix::*size)() const;
+  int32_t (Postmix::*get)(int) const;
+};
+const ArrayCase kArrays[] = {
+    {"lyra_input_gain", 24, &Postmix::add_lyra_input_gain, &Postmix::lyra_input_gain_size,
+     &Postmix::lyra_input_gain},
+    {"bypass_hpeq", 48, &Postmix::add_bypass_hpeq, &Postmix::bypass_hpeq_size,
+     &Postmix::bypass_hpeq},
+    {"aeq_enable", 72, &Postmix::add_aeq_enable, &Postmix::aeq_enable_size,
+     &Postmix::aeq_enable},
+};
+
+TEST(CtrlPostmix, PerModeArraysArePermutedIntoEngineSlots) {
+  struct Case { std::vector<int> in; uint32_t want[6]; };
+  const Case kCases[] = {
+      {{10, 11, 12, 13, 14, 15}, {13, 11, 12, 14, 10, 15}},
+      {{10, 11, 12, 13, 14, 15, 16, 17}, {13, 11, 12, 14, 10, 15}},  // cut at six
+      {{10, 11}, {P, 11, P, P, 10, P}},                              // Multichannel, Front
+      {{10, 11, 12, 13}, {13, 11, 12, P, 10, P}},
+  };
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const ArrayCase& a : kArrays) {
+    for (const Case& c : kCases) {
+      HeronSettings s;
+      Postmix* pm = s.mutable_postmix();
+      for (int v : c.in) (pm->*a.add)(v);
+      _quillHeronPostmixApiCtrl rec;
+      ctrltest::fillPattern(rec);
+      EXPECT_EQ(conv.populate(s, rec), 0);
+      for (int slot = 0; slot < 6; ++slot) {
+        EXPECT_EQ(ctrltest::le32(&rec, a.offset + 4 * slot), c.want[slot])
+            << a.name << " n=" << c.in.size() << " slot " << slot;
+      }
+      // Neighbouring arrays untouched.
+      for (const ArrayCase& other : kArrays) {
+        if (&other == &a) continue;
+        for (int slot = 0; slot < 6; ++slot) {
+          EXPECT_EQ(ctrltest::le32(&rec, other.offset + 4 * slot), P);
+        }
+      }
+    }
+  }
+}
+
+TEST(CtrlPostmix, PerModeArraysConvertBackToModeOrder) {
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const ArrayCase& a : kArrays) {
+    _quillHeronPostmixApiCtrl rec;
+    ctrltest::fillPattern(rec, 0);
+    const uint32_t slots[6] = {13, 11, 12, 14, 10, 15};
+    for (int i = 0; i < 6; ++i) ctrltest::putLe32(&rec, a.offset + 4 * i, slots[i]);
+    HeronSettings s;
+    conv.convert(rec, &s);
+    const Postmix& pm = s.postmix();
+    ASSERT_EQ((pm.*a.size)(), 6) << a.name;
+    for (int mode = 0; mode < 6; ++mode) EXPECT_EQ((pm.*a.get)(mode), 10 + mode) << a.name;
+  }
+}
+
+// bypass_mode is not permuted; at most five.
+TEST(CtrlPostmix, BypassModeInMessageOrder) {
+  HeronSettings s;
+  for (int v : {1, 2, 3, 4, 5, 6}) s.mutable_postmix()->add_bypass_mode(v);
+  _quillHeronPostmixApiCtrl rec;
+  ctrltest::fillPattern(rec);
+  QuillHeron_v1_1_Pb conv(48000);
+  EXPECT_EQ(conv.populate(s, rec), 0);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(ctrltest::le32(&rec, 100 + 4 * i), uint32_t(i + 1));
+  EXPECT_EQ(ctrltest::le32(&rec, 120), P);
+
+  HeronSettings back;
+  conv.convert(rec, &back);
+  ASSERT_EQ(back.postmix().bypass_mode_size(), 5);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(back.postmix().bypass_mode(i), i + 1);
+}
+
+// -1 in lyra_multi_ch is stored as 0, also when it came from the caller's
+// record rather than from the message; other values are kept.
+TEST(CtrlPostmix, LyraMultiChMinusOneBecomesZero) {
+  struct Case { bool set; int32_t msg; uint32_t before; uint32_t after; };
+  const Case kCases[] = {
+      {true, -1, P, 0},
+      {true, -2, P, 0xFFFFFFFEu},
+      {true, 0, P, 0},
+      {true, 7, P, 7},
+      {false, 0, 0xFFFFFFFFu, 0},  // absent in the message, -1 in the record
+      {false, 0, P, P},
+  };
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const Case& c : kCases) {
+    HeronSettings s;
+    s.mutable_postmix();
+    if (c.set) s.mutable_postmix()->set_lyra_multi_ch(c.msg);
+    _quillHeronPostmixApiCtrl rec;
+    ctrltest::fillPattern(rec);
+    ctrltest::putLe32(&rec, 20, c.before);
+    EXPECT_EQ(conv.populate(s, rec), 0);
+    EXPECT_EQ(ctrltest::le32(&rec, 20), c.after) << c.msg;
+  }
+  // Convert copies the record as it is.
+  _quillHeronPostmixApiCtrl rec;
+  ctrltest::fillPattern(rec, 0);
+  HeronSettings back;
+  conv.convert(rec, &back);
+  EXPECT_TRUE(back.postmix().has_lyra_multi_ch());
+  EXPECT_EQ(back.postmix().lyra_multi_ch(), 0);
+}
+
+// A negative ref_htest fails the postmix, but only after Lyra and Mbhl
+// (which follow Enhance2) have been written.
+TEST(CtrlPostmix, NegativeRefHtestIsReportedAfterTheWholeRecord) {
+  HeronSettings s;
+  Postmix* pm = s.mutable_postmix();
+  pm->mutable_enhance2()->add_ref_htest(3);
+  pm->mutable_enhance2()->add_ref_htest(-4);
+  pm->mutable_enhance2()->add_ref_htest(5);
+  pm->mutable_lyra()->set_downmix(6);
+  pm->mutable_mbhl()->set_dist_prev_enable(8);
+  pm->set_lyra_multi_ch(-1);
+  _quillHeronPostmixApiCtrl rec;
+  ctrltest::fillPattern(rec);
+  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, rec), -997);
+  EXPECT_EQ(ctrltest::le32(&rec, 272 + 60), 3u);
+  EXPECT_EQ(ctrltest::le32(&rec, 272 + 64), uint32_t(-4));
+  EXPECT_EQ(ctrltest::le32(&rec, 272 + 68), P);
+  EXPECT_EQ(ctrltest::le32(&rec, 368), 6u);
+  EXPECT_EQ(ctrltest::le32(&rec, 408 + 76), 8u);
+  EXPECT_EQ(ctrltest::le32(&rec, 20), 0u);
+}
+
+// Convert clears Postmix first, so nothing accumulates and earlier content
+// disappears; faders and premix are not touched.
+TEST(CtrlPostmix, ConvertClearsPostmixFirst) {
+  _quillHeronPostmixApiCtrl rec;
+  ctrltest::fillPattern(rec, 0);
+  ctrltest::putLe32(&rec, 4, 44);
+  HeronSettings s;
+  s.mutable_postmix()->add_hpeqcoef()->set_uuid("x");
+  s.mutable_postmix()->mutable_lyra()->add_super_stereo_coef(1);
+  s.mutable_postmix()->add_lyra_input_gain(1);
+  s.mutable_premix()->set_stream_gain(2);
+  QuillHeron_v1_1_Pb conv(48000);
+  conv.convert(rec, &s);
+  conv.convert(rec, &s);
+  const Postmix& pm = s.postmix();
+  EXPECT_EQ(pm.hpeqcoef_size(), 0);
+  EXPECT_EQ(pm.postmix_gain(), 44);
+  EXPECT_EQ(pm.lyra_input_gain_size(), 6);
+  EXPECT_EQ(pm.bypass_hpeq_size(), 6);
+  EXPECT_EQ(pm.aeq_enable_size(), 6);
+  EXPECT_EQ(pm.bypass_mode_size(), 5);
+  EXPECT_EQ(pm.lyra().super_stereo_coef_size(), 4);
+  EXPECT_EQ(pm.enhance2().htest_size(), 7);
+  EXPECT_EQ(pm.enhance2().ref_htest_size(), 7);
+  EXPECT_TRUE(pm.has_brio() && pm.has_geq10b() && pm.has_aeq() && pm.has_mbhl());
+  EXPECT_EQ(s.premix().stream_gain(), 2);
+}
+
+}  // namespace

@@ -1,0 +1,190 @@
+// Coefficient loaders of the postmix filters: output high-pass, stereo-enhancer
+// high-pass and crossover, bass enhancement and limiter crossovers. Each table
+// list is scanned by its own rule; those rules differ on purpose.
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+
+#include "QuillPbConvert_Heron_v1_1.h"
+#include "coefficient_io.h"
+#include "native_io.h"
+#include "quillHeronCoeffRecords.h"
+#include "quillheron_filterdesign.h"
+
+namespace quillheron {
+namespace {
+
+constexpr int kOk = QuillHeron_v1_1_Pb::kOk;
+constexpr int kFail = QuillHeron_v1_1_Pb::kCoefficientFailure;
+
+template <class T, std::size_t N>
+constexpr std::size_t countOf(const T (&)[N]) {
+  return N;
+}
+
+// Record-relative byte offsets of the coefficient regions' fields.
+using Coeffs = _quillHeronPostmixApiCtrlCoeffs;
+constexpr std::size_t kHpfOrder = kQuillHpfCoeffOffset + offsetof(_quillHeronHpfApiCoeff, order);
+constexpr std::size_t kHpfCoeffs = kQuillHpfCoeffOffset + offsetof(_quillHeronHpfApiCoeff, coeffs);
+constexpr std::size_t kHpfCapacity = countOf(_quillHeronHpfApiCoeff{}.coeffs);
+constexpr std::size_t kBrioHpfOrder = kQuillBrioHpfCoeffOffset + offsetof(_quillBrioHpfApiCoeff, order);
+constexpr std::size_t kBrioHpfCoeffs = kQuillBrioHpfCoeffOffset + offsetof(_quillBrioHpfApiCoeff, coeffs);
+constexpr std::size_t kBrioHpfCapacity = countOf(_quillBrioHpfApiCoeff{}.coeffs);
+constexpr std::size_t kXoverOrder = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, order);
+constexpr std::size_t kXoverLpf = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, lpf_coeffs);
+constexpr std::size_t kXoverHpf = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, hpf_coeffs);
+constexpr std::size_t kXoverCapacity = countOf(_quillBrioXoverApiCoeff{}.lpf_coeffs);
+constexpr std::size_t kThumpxCoeffs = kQuillThumpxCoeffOffset;
+constexpr std::size_t kThumpxCapacity = countOf(_quillTHUMPXApiCoeff{}.coeffs);
+constexpr std::size_t kMbhlLow = kQuillMbhlCoeffOffset + offsetof(_quillMBHLApiCoeff, low_cross_coeffs);
+constexpr std::size_t kMbhlMid = kQuillMbhlCoeffOffset + offsetof(_quillMBHLApiCoeff, mid_cross_coeffs);
+constexpr std::size_t kMbhlCapacity = countOf(_quillMBHLApiCoeff{}.low_cross_coeffs);
+
+static_assert(kHpfCapacity == 20 && kBrioHpfCapacity == 20 && kXoverCapacity == 14 &&
+                  kThumpxCapacity == 63 && kMbhlCapacity == 12,
+              "coefficient capacities");
+
+// The reserved argument of the bass designer: the bit pattern of 1.0f.
+constexpr int kThumpxReserved = 0x3F800000;
+// Scratch for the bass designer; its contents are not kept.
+constexpr std::size_t kThumpxWorkBytes = 864;
+
+// double -> float as the hardware rounds it, without the undefined behaviour
+// of converting a finite value beyond the float range.
+float narrowToFloat(double v) {
+  if (std::isfinite(v) && std::fabs(v) > static_cast<double>(FLT_MAX)) {
+    // Values within half an ulp of FLT_MAX still round to it.
+    const double limit = static_cast<double>(FLT_MAX) + std::ldexp(1.0, 103);
+    const float mag = std::fabs(v) < limit ? FLT_MAX : HUGE_VALF;
+    return v < 0 ? -mag : mag;
+  }
+  return static_cast<float>(v);
+}
+
+void copyTable32(Coeffs& record, std::size_t offset, const CoefTable& table, std::size_t capacity) {
+  const std::size_t n = copyCount(static_cast<std::size_t>(table.coeff_32_size()), table.coeff_32_size(), capacity);
+  storeInt32s(&record, offset, table.coeff_32(), n);
+}
+
+void copyTable16(Coeffs& record, std::size_t offset, const CoefTable& table, std::size_t capacity) {
+  const std::size_t n = copyCount(static_cast<std::size_t>(table.coeff_16_size()), table.coeff_16_size(), capacity);
+  storeInt16s(&record, offset, table.coeff_16(), n);
+}
+
+// Every table of the rate with values overwrites the branch: the last one wins.
+void loadCrossoverBranch(Coeffs& record, std::size_t offset, const CoefTableList& tables, int rate) {
+  for (const CoefTable& table : tables) {
+    if (table.samplerate() == rate && table.coeff_16_size() > 0) {
+      copyTable16(record, offset, table, kXoverCapacity);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillheron
+
+// This file only defines converter members over the helpers above.
+using namespace quillheron;
+
+void QuillHeron_v1_1_Pb::LoadHeronHPF(const Postmix& postmix,
+                                      _quillHeronPostmixApiCtrlCoeffs& record) const {
+  const quill::pb::coef::Hpf& hpf = postmix.hpf_coef();
+  if (hpf.has_order()) native::storeU32(&record, kHpfOrder, static_cast<std::uint32_t>(hpf.order()));
+  for (const CoefTable& table : hpf.coeffs()) {
+    if (table.samplerate() != sampleRate_) continue;
+    // Only the first table of the rate is looked at; too long a table is ignored.
+    if (static_cast<std::size_t>(table.coeff_32_size()) <= kHpfCapacity) {
+      copyTable32(record, kHpfCoeffs, table, kHpfCapacity);
+    }
+    return;
+  }
+}
+
+int QuillHeron_v1_1_Pb::LoadBrioHPF(const Postmix& postmix,
+                                    _quillHeronPostmixApiCtrlCoeffs& record) const {
+  const quill::pb::coef::BrioHpf& hpf = postmix.brio_hpf_coef();
+  native::storeU32(&record, kBrioHpfOrder, static_cast<std::uint32_t>(hpf.order()));
+  if (hpf.order() == 0) return kOk;
+  if (hpf.hpf_coeffs_size() == 0) return kFail;
+  for (const CoefTable& table : hpf.hpf_coeffs()) {
+    // A table of the rate that is too long is passed over; the scan goes on.
+    if (table.samplerate() == sampleRate_ &&
+        static_cast<std::size_t>(table.coeff_16_size()) <= kBrioHpfCapacity) {
+      copyTable16(record, kBrioHpfCoeffs, table, kBrioHpfCapacity);
+      return kOk;
+    }
+  }
+  return kFail;
+}
+
+int QuillHeron_v1_1_Pb::LoadBrioCrossover(const Postmix& postmix,
+                                          _quillHeronPostmixApiCtrlCoeffs& record) const {
+  const quill::pb::coef::BrioXover& xover = postmix.brio_xover_coef();
+  native::storeU32(&record, kXoverOrder, static_cast<std::uint32_t>(xover.order()));
+  loadCrossoverBranch(record, kXoverLpf, xover.lpf_coeffs(), sampleRate_);
+  loadCrossoverBranch(record, kXoverHpf, xover.hpf_coeffs(), sampleRate_);
+  return kOk;
+}
+
+int QuillHeron_v1_1_Pb::PopulateTHUMPXCoeff(const HeronSettings& settings,
+                                            _quillHeronPostmixApiCtrlCoeffs& record) const {
+  const quill::pb::coef::Thumpx& thumpx = settings.postmix().thumpx_coef();
+  if (thumpx.coeffs_size() > 0) {
+    // Strict: any table of another rate fails the load, even when a table of
+    // the rate has been copied (the last such table wins).
+    int result = kOk;
+    for (const CoefTable& table : thumpx.coeffs()) {
+      if (table.samplerate() != sampleRate_) {
+        result = kFail;
+      } else {
+        copyTable32(record, kThumpxCoeffs, table, kThumpxCapacity);
+      }
+    }
+    return result;
+  }
+
+  if (!thumpx.has_filterdesignparams()) return kFail;
+  const quill::pb::tech::ThumpxFilterDesignParameters& p = thumpx.filterdesignparams();
+  if (p.sampling_rate() != sampleRate_) return kFail;
+  alignas(8) unsigned char work[kThumpxWorkBytes];
+  const int designed = OVA_THUMPX_FilterDesignFxp32(
+      p.custom_speaker_size(), narrowToFloat(p.bass_ctrl()), narrowToFloat(p.hp_ratio()),
+      narrowToFloat(p.ext_bass()), sampleRate_, record.thumpx.coeffs, narrowToFloat(p.lp_ratio()),
+      narrowToFloat(p.pre_lp_freq()), narrowToFloat(p.harm_hp_freq()), narrowToFloat(p.clip_level()),
+      kThumpxReserved, work);
+  return designed < 0 ? kFail : kOk;
+}
+
+int QuillHeron_v1_1_Pb::PopulateMBHLCoeff(const HeronSettings& settings,
+                                          _quillHeronPostmixApiCtrlCoeffs& record) const {
+  const Postmix& postmix = settings.postmix();
+  if (postmix.has_mbhl_coef()) {
+    const quill::pb::coef::Mbhl& mbhl = postmix.mbhl_coef();
+    if (!mbhl.has_low_cross_coeffs() || !mbhl.has_mid_cross_coeffs()) return kFail;
+    int result = kFail;
+    if (mbhl.low_cross_coeffs().samplerate() == sampleRate_) {
+      copyTable32(record, kMbhlLow, mbhl.low_cross_coeffs(), kMbhlCapacity);
+      result = kOk;
+    }
+    if (mbhl.mid_cross_coeffs().samplerate() != sampleRate_) return kFail;
+    copyTable32(record, kMbhlMid, mbhl.mid_cross_coeffs(), kMbhlCapacity);
+    return result;
+  }
+
+  // Design from the crossover frequencies; their schema defaults do not count.
+  const quill::pb::tech::DesignerParameters& designer = settings.designerparameters();
+  if (!designer.has_mbhl_design_params()) return kFail;
+  const quill::pb::tech::MbhlCustomCoeffParams& p = designer.mbhl_design_params();
+  if (!p.has_custom_low_cross() || !p.has_custom_mid_cross() || p.sampling_rate() != sampleRate_) {
+    return kFail;
+  }
+  if (QUILL_McDyn_FilterDesignFxp32(static_cast<float>(p.custom_low_cross()), sampleRate_,
+                                    record.mbhl.low_cross_coeffs) < 0) {
+    return kFail;
+  }
+  if (QUILL_McDyn_FilterDesignFxp32(static_cast<float>(p.custom_mid_cross()), sampleRate_,
+                                    record.mbhl.mid_cross_coeffs) < 0) {
+    return kFail;
+  }
+  return kOk;
+}

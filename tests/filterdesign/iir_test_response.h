@@ -27,6 +27,20 @@ inline std::complex<double> CascadeResponse(const float* cascade, int sections, 
   return h;
 }
 
+// Plain reading of a fixed-point cascade of `sections` sections at word
+// width `width`: every word is value / 2^(width - iwl) of its record. Unlike
+// the engine's read-back this handles iwl 0 and 1 at 32 bits.
+template <typename Word>
+void ReadFixedCascade(const Word* fixed, int sections, int width, float* out) {
+  for (int s = 0; s <= sections; ++s) {
+    const Word* rec = fixed + 6 * s;
+    const int count = s < sections ? 5 : 1;
+    for (int i = 0; i < count; ++i) {
+      out[5 * s + i] = static_cast<float>(std::ldexp(static_cast<double>(rec[1 + i]), int(rec[0]) - width));
+    }
+  }
+}
+
 inline double Angle(double freq_hz, double sample_rate) { return 2.0 * kPi * freq_hz / sample_rate; }
 
 inline double Db(double magnitude) { return 20.0 * std::log10(magnitude); }

@@ -1,0 +1,164 @@
+// Headphone equalisers: the native record, the 128-tap truncation, route
+// filtering across models, and the rebuild from a record.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "QuillPb.h"
+#include "coef_test_support.h"
+
+namespace {
+
+using coeftest::CoefTable;
+using coeftest::le16;
+using coeftest::le32;
+using quill::pb::hub::AudioRoute;
+using quill::pb::model::headphoneEq;
+using quill::pb::model::listeningModel;
+
+constexpr std::uint32_t kFill = 0xA5A5A5A5u;
+const char kId[] = "0f0e0d0c-0b0a-0908-0706-050403020100";
+
+std::vector<int> buffer(std::size_t bytes) { return std::vector<int>(bytes / 4, static_cast<int>(kFill)); }
+
+headphoneEq* addHpeq(listeningModel* m, const std::string& uuid, std::vector<AudioRoute> routes,
+                     std::int32_t tag) {
+  headphoneEq* h = m->add_headphones();
+  h->set_uuid(uuid);
+  h->set_ihpirlength(1);
+  for (AudioRoute r : routes) h->add_audio_route_info()->set_route(r);
+  coeftest::setTable(h->add_coefftables(), 48000, {}, {tag, 0, 1, 2});
+  return h;
+}
+
+TEST(ModelHpeq, RecordLayout) {
+  headphoneEq h;
+  h.set_uuid(kId);
+  h.set_ihpirlength(3);
+  coeftest::setTable(h.add_coefftables(), 48000, {}, {7, 8, 1, 2, 3, -1, -2, 65536 + 3});
+  std::vector<int> rec = buffer(540);
+  ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), 540, 48000), 0);
+  const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
+  for (int i = 0; i < 16; ++i) EXPECT_EQ(b[i], 15 - i) << i;
+  EXPECT_EQ(le32(b, 16), 48000u);
+  EXPECT_EQ(le32(b, 20), 3u);
+  const std::uint16_t expect[8] = {7, 8, 1, 2, 3, 0xFFFF, 0xFFFE, 3};
+  for (int i = 0; i < 8; ++i) EXPECT_EQ(le16(b, 24 + 2 * i), expect[i]) << i;
+  EXPECT_EQ(le32(b, 40), kFill);
+  EXPECT_EQ(QuillPb::sizeofHpeq(&h, 48000), 40u);
+  EXPECT_EQ(QuillPb::sizeofHpeq(&h, 44100), 0u);
+}
+
+// Responses longer than 128 taps: ihpir_length reads 128 and each channel
+// keeps its first taps that fit the record.
+TEST(ModelHpeq, LongResponsesAreTruncated) {
+  struct Case {
+    std::uint32_t ihpir;
+    int per_channel;     // L: source holds 2 + 2L values
+    unsigned int capacity;
+    std::uint32_t stored_ihpir;
+    int kept;            // taps per channel in the record
+  };
+  const Case kCases[] = {
+      {129, 129, 540, 128, 128},
+      {300, 300, 540, 128, 128},
+      {129, 129, 300, 128, 68},  // m = (150 - 14) / 2
+      {128, 128, 540, 128, 128},
+  };
+  for (const Case& c : kCases) {
+    headphoneEq h;
+    h.set_uuid(kId);
+    h.set_ihpirlength(c.ihpir);
+    CoefTable* t = h.add_coefftables();
+    t->set_samplerate(44100);
+    t->add_coeff_16(1000);
+    t->add_coeff_16(1001);
+    for (int i = 1; i <= c.per_channel; ++i) t->add_coeff_16(i);
+    for (int i = 1; i <= c.per_channel; ++i) t->add_coeff_16(-i);
+    std::vector<int> rec = buffer(c.capacity + 16);
+    ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), c.capacity, 44100), 0);
+    const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
+    EXPECT_EQ(le32(b, 20), c.stored_ihpir);
+    EXPECT_EQ(le16(b, 24), 1000);
+    EXPECT_EQ(le16(b, 26), 1001);
+    for (int j = 0; j < c.kept; ++j) {
+      ASSERT_EQ(le16(b, 28 + 2 * j), j + 1) << c.ihpir << " ch1 tap " << j;
+      ASSERT_EQ(le16(b, 28 + 2 * (c.kept + j)), static_cast<std::uint16_t>(-(j + 1))) << c.ihpir << " ch2 tap " << j;
+    }
+    for (std::size_t off = c.capacity; off < c.capacity + 16; off += 4) {
+      EXPECT_EQ(le32(b, off), kFill) << "past the record, case " << c.ihpir;
+    }
+  }
+}
+
+// Inside the 128-tap limit every value is copied, but never past the record.
+TEST(ModelHpeq, OverlongListStopsAtTheRecord) {
+  headphoneEq h;
+  h.set_ihpirlength(128);
+  CoefTable* t = h.add_coefftables();
+  t->set_samplerate(48000);
+  for (int i = 0; i < 400; ++i) t->add_coeff_16(i);
+  std::vector<int> rec = buffer(560);
+  ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), 540, 48000), 0);
+  EXPECT_EQ(le16(rec.data(), 538), 257);
+  EXPECT_EQ(le32(rec.data(), 540), kFill);
+}
+
+TEST(ModelHpeq, RouteFilteringAcrossModels) {
+  listeningModel a, b, c;
+  addHpeq(&a, kId, {quill::pb::hub::AR_OUT_LINEOUT}, 11);
+  addHpeq(&a, kId, {}, 12);  // a later entry of the same model is never looked at
+  addHpeq(&b, "0F0E0D0C-0B0A-0908-0706-050403020100",
+          {quill::pb::hub::AR_OUT_ATTACHED0, quill::pb::hub::AR_OUT_USB}, 21);
+  addHpeq(&c, "", {}, 31);
+  const QuillPb::ModelList models = {&a, &b, &c};
+
+  struct Case {
+    AudioRoute route;
+    const char* uuid;
+    int result;
+    int tag;  // -1: untouched
+  };
+  const Case kCases[] = {
+      {quill::pb::hub::AR_OUT_LINEOUT, kId, 0, 11},
+      {quill::pb::hub::AR_OUT_USB, kId, 0, 21},
+      {quill::pb::hub::AR_OUT_ATTACHED0, kId, 0, 21},
+      {quill::pb::hub::AR_OUT_DIGITAL, kId, 1, -1},
+      {quill::pb::hub::AR_OUT_DIGITAL, "", 0, 31},  // an empty identifier matches an empty uuid
+      {quill::pb::hub::AR_OUT_USB, "ffffffff-0000-0000-0000-000000000000", 1, -1},
+  };
+  for (const Case& k : kCases) {
+    std::vector<int> rec = buffer(540);
+    EXPECT_EQ(QuillPb::processHpeqData(k.route, k.uuid, models, rec.data(), 540, 48000), k.result) << k.route;
+    EXPECT_EQ(le16(rec.data(), 24), k.tag < 0 ? 0xA5A5 : k.tag) << k.route << " " << k.uuid;
+  }
+  std::vector<int> rec = buffer(540);
+  EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_USB, kId, {}, rec.data(), 540, 48000), 1);
+  EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_LINEOUT, kId, models, rec.data(), 540, 32000), -998);
+}
+
+TEST(ModelHpeq, RebuildFromRecord) {
+  coeftest::Record rec;
+  for (int i = 0; i < 16; ++i) rec.bytes()[58008 + i] = static_cast<std::uint8_t>(0xF0 + i);
+  rec.put32(58008 + 16, 44100);
+  rec.put32(58008 + 20, 128);
+  rec.put16(58032, 0x8000);
+  rec.put16(58032 + 2 * 257, 0x7FFF);
+  listeningModel model;
+  quill::pb::hub::ResourceLocator locator;
+  QuillHeron_v1_1_Pb::_addHpeq(&model, &(*rec).hpeq, 540, &locator);
+  ASSERT_EQ(model.headphones_size(), 1);
+  const headphoneEq& h = model.headphones(0);
+  EXPECT_EQ(h.uuid(), "f0f1f2f3-f4f5-f6f7-f8f9-fafbfcfdfeff");
+  EXPECT_EQ(locator.uuid(), h.uuid());
+  EXPECT_EQ(h.name(), "From Heron STU");
+  EXPECT_EQ(h.ihpirlength(), 128u);
+  ASSERT_EQ(h.coefftables_size(), 1);
+  EXPECT_EQ(h.coefftables(0).samplerate(), 44100);
+  ASSERT_EQ(h.coefftables(0).coeff_16_size(), 258);
+  EXPECT_EQ(h.coefftables(0).coeff_16(0), -32768);
+  EXPECT_EQ(h.coefftables(0).coeff_16(257), 32767);
+  EXPECT_EQ(h.coefftables(0).coeff_16(1), static_cast<std::int16_t>(0xA5A5));
+}
+
+}  // namespace

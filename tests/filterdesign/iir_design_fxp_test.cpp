@@ -109,18 +109,4 @@ TEST(IirDesignFxp, RejectionWritesNothing) {
   CheckRejectionWritesNothing<int16_t>(OVA_IirFilterDesignFxp16);
 }
 
-TEST(IirDesignFxp, OrderOneIsEightWords) {
-  int32_t out[9];
-  std::memset(out, 0x5A, sizeof out);
-  std::vector<unsigned char> ws(QH_IirDesignWorkspaceBytes(1));
-  ASSERT_EQ(0, OVA_IirFilterDesignFxp24(1000.0f, 1, 48000, QH_IIR_LOWPASS, out, ws.data()));
-  EXPECT_EQ(0x5A5A5A5A, out[8]);
-  for (int i = 1; i < 8; ++i) {
-    EXPECT_GE(out[i], -8388608) << i;
-    EXPECT_LE(out[i], 8388607) << i;
-  }
-  EXPECT_EQ(0, out[3]);  // b2 of the first-order section
-  EXPECT_EQ(0, out[5]);  // A2
-}
-
 }  // namespace

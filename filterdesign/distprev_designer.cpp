@@ -114,7 +114,9 @@ void Attenuations(const quillDistprevNotchDesignBlock& blk, int32_t a[kBandCount
   for (int i = 1; i < kBandCount; ++i) {
     float t = static_cast<float>(a[i - 1]) + blk.nf_slope;
     if (!(t < 0.0f)) t = 0.0f;
-    a[i] = blk.nf_band_ct > i ? TruncToInt32(t + 0.5f) : 0;
+    // Nearest whole dB with halves upward: -15 stays -15, -2.5 becomes -2,
+    // -0.5 becomes 0 (the floor of t + 0.5; t is never positive here).
+    a[i] = blk.nf_band_ct > i ? TruncToInt32(floorf(t + 0.5f)) : 0;
   }
 }
 

@@ -186,20 +186,20 @@ typedef struct OVAParametriceqSpec {
 /* out: 5*band_count + 1 floats, one second-order section per band, gain 1.0.
  * A band with center_freq >= (float)(sample_rate / 2) returns -1000 at once:
  * earlier bands stay written, no gain is written. */
-QH_EXPORT int OVA_ParametriceqDesignFloat(const OVAParametriceqSpec* spec, float* out);
+QH_EXPORT int OVA_ParametriceqDesignFloat(const OVAParametriceqSpec* request, float* out);
 /* out: 6*band_count + 2 words; untouched on -1000.
  * NoScale: workspace QH_PeqNoScaleWorkspaceBytes(band_count); the gain record
  * stays iwl 2, 2^30. The others scale against overflow first and need
  * QH_IirDesignWorkspaceBytes(band_count) bytes. The 16-bit member repairs the
  * numerators of low-pass (b1 = 2*b0), high-pass (b1 = -2*b0) and band-pass
  * (b1 = 0, b2 = -b0) bands after quantising. */
-QH_EXPORT int OVA_ParametriceqDesignFxp32NoScale(const OVAParametriceqSpec* spec, int32_t* out,
+QH_EXPORT int OVA_ParametriceqDesignFxp32NoScale(const OVAParametriceqSpec* request, int32_t* out,
                                                  void* workspace);
-QH_EXPORT int OVA_ParametriceqDesignFxp32(const OVAParametriceqSpec* spec, int32_t* out,
+QH_EXPORT int OVA_ParametriceqDesignFxp32(const OVAParametriceqSpec* request, int32_t* out,
                                           void* workspace);
-QH_EXPORT int OVA_ParametriceqDesignFxp24(const OVAParametriceqSpec* spec, int32_t* out,
+QH_EXPORT int OVA_ParametriceqDesignFxp24(const OVAParametriceqSpec* request, int32_t* out,
                                           void* workspace);
-QH_EXPORT int OVA_ParametriceqDesignFxp16(const OVAParametriceqSpec* spec, int16_t* out,
+QH_EXPORT int OVA_ParametriceqDesignFxp16(const OVAParametriceqSpec* request, int16_t* out,
                                           void* workspace);
 
 /* ---- Bass enhancement ---- */

@@ -21,8 +21,8 @@ constexpr int kRate = 48000;
 
 // Designs one band through the float designer and returns its section.
 void DesignOne(const OVAParametriceqBandSpec& band, float section[6], int rate = kRate) {
-  const OVAParametriceqSpec spec{1, &band, rate};
-  ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&spec, section));
+  const OVAParametriceqSpec request{1, &band, rate};
+  ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&request, section));
   ASSERT_EQ(1.0f, section[5]);
 }
 
@@ -198,13 +198,13 @@ TEST(PeqBand, UnknownTypeWritesNothingButInvertStillApplies) {
   for (int type : {-1, 10, 1000}) {
     float s[6] = {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f};
     const OVAParametriceqBandSpec band{type, 1000.0f, 1.0f, 3.0f, 0};
-    const OVAParametriceqSpec spec{1, &band, kRate};
-    ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&spec, s));
+    const OVAParametriceqSpec request{1, &band, kRate};
+    ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&request, s));
     const float same[6] = {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 1.0f};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(same[i], s[i]) << type;
     const OVAParametriceqBandSpec inverted{type, 1000.0f, 1.0f, 3.0f, 1};
-    const OVAParametriceqSpec spec2{1, &inverted, kRate};
-    ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&spec2, s));
+    const OVAParametriceqSpec request2{1, &inverted, kRate};
+    ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&request2, s));
     const float negated[6] = {-1.0f, -2.0f, -3.0f, 4.0f, 5.0f, 1.0f};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(negated[i], s[i]) << type;
   }

@@ -41,12 +41,12 @@ TEST(PeqDesign, FloatRejectionKeepsEarlierBandsAndWritesNoGain) {
         {PEQ_BAND_TYPE_PEAKING, r.bad_freq, 1.0f, 3.0f, 0},
         {PEQ_BAND_TYPE_PEAKING, 800.0f, 1.0f, 3.0f, 0},
     };
-    const OVAParametriceqSpec spec{3, bands, r.rate};
+    const OVAParametriceqSpec request{3, bands, r.rate};
     float out[17];
     std::memset(out, 0x5A, sizeof out);
     float untouched;
     std::memset(&untouched, 0x5A, sizeof untouched);
-    EXPECT_EQ(-1000, OVA_ParametriceqDesignFloat(&spec, out));
+    EXPECT_EQ(-1000, OVA_ParametriceqDesignFloat(&request, out));
     EXPECT_NE(0, std::memcmp(&untouched, &out[0], sizeof untouched)) << "first band designed";
     for (int i = 5; i < 17; ++i) EXPECT_EQ(0, std::memcmp(&untouched, &out[i], sizeof untouched)) << i;
   }
@@ -58,13 +58,13 @@ void CheckFixedRejectionWritesNothing(Design design) {
       {PEQ_BAND_TYPE_NOTCH, 500.0f, 1.0f, 0.0f, 0},
       {PEQ_BAND_TYPE_NOTCH, 22050.0f, 1.0f, 0.0f, 0},
   };
-  const OVAParametriceqSpec spec{2, bands, 44100};
+  const OVAParametriceqSpec request{2, bands, 44100};
   Word out[15];
   std::memset(out, 0x5A, sizeof out);
   Word untouched[15];
   std::memcpy(untouched, out, sizeof out);
   Workspace ws(QH_IirDesignWorkspaceBytes(2));
-  EXPECT_EQ(-1000, design(&spec, out, ws.get()));
+  EXPECT_EQ(-1000, design(&request, out, ws.get()));
   EXPECT_EQ(0, std::memcmp(untouched, out, sizeof out));
 }
 
@@ -76,24 +76,24 @@ TEST(PeqDesign, FixedRejectionWritesNothing) {
 }
 
 TEST(PeqDesign, NoBandsWritesOnlyTheGain) {
-  const OVAParametriceqSpec spec{0, nullptr, 48000};
+  const OVAParametriceqSpec request{0, nullptr, 48000};
   float f[2] = {-5.0f, -5.0f};
-  EXPECT_EQ(0, OVA_ParametriceqDesignFloat(&spec, f));
+  EXPECT_EQ(0, OVA_ParametriceqDesignFloat(&request, f));
   EXPECT_EQ(1.0f, f[0]);
   EXPECT_EQ(-5.0f, f[1]);
   int32_t w[3] = {7, 7, 7};
   Workspace ws(QH_PeqNoScaleWorkspaceBytes(0));
-  EXPECT_EQ(0, OVA_ParametriceqDesignFxp32NoScale(&spec, w, ws.get()));
+  EXPECT_EQ(0, OVA_ParametriceqDesignFxp32NoScale(&request, w, ws.get()));
   EXPECT_EQ(2, w[0]);
   EXPECT_EQ(1073741824, w[1]);
   EXPECT_EQ(7, w[2]);
 }
 
 TEST(PeqDesign, NoScaleKeepsUnitGainRecord) {
-  const OVAParametriceqSpec spec{kMixedCount, kMixed, 48000};
+  const OVAParametriceqSpec request{kMixedCount, kMixed, 48000};
   std::vector<int32_t> out(6 * kMixedCount + 2);
   Workspace ws(QH_PeqNoScaleWorkspaceBytes(kMixedCount));
-  ASSERT_EQ(0, OVA_ParametriceqDesignFxp32NoScale(&spec, out.data(), ws.get()));
+  ASSERT_EQ(0, OVA_ParametriceqDesignFxp32NoScale(&request, out.data(), ws.get()));
   EXPECT_EQ(2, out[6 * kMixedCount]);
   EXPECT_EQ(1073741824, out[6 * kMixedCount + 1]);
   // A 0 dB gain band is the section (1, 0, 0, 0, 0): iwl 2 and 2^30.
@@ -107,10 +107,10 @@ TEST(PeqDesign, NoScaleKeepsUnitGainRecord) {
 
 TEST(PeqDesign, SixteenBitNumeratorRepair) {
   for (int rate : {32000, 44100, 48000}) {
-    const OVAParametriceqSpec spec{kMixedCount, kMixed, rate};
+    const OVAParametriceqSpec request{kMixedCount, kMixed, rate};
     std::vector<int16_t> out(6 * kMixedCount + 2);
     Workspace ws(QH_IirDesignWorkspaceBytes(kMixedCount));
-    ASSERT_EQ(0, OVA_ParametriceqDesignFxp16(&spec, out.data(), ws.get()));
+    ASSERT_EQ(0, OVA_ParametriceqDesignFxp16(&request, out.data(), ws.get()));
     for (int b = 0; b < kMixedCount; ++b) {
       const int16_t* rec = out.data() + 6 * b;
       const int b0 = rec[1];
@@ -136,12 +136,12 @@ TEST(PeqDesign, SixteenBitNumeratorRepair) {
 template <typename Word, typename Design>
 void CheckScaledResponse(Design design, int width, double tolerance) {
   const int n = kMixedCount;
-  const OVAParametriceqSpec spec{n, kMixed, 48000};
+  const OVAParametriceqSpec request{n, kMixed, 48000};
   std::vector<float> reference(5 * n + 1);
-  ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&spec, reference.data()));
+  ASSERT_EQ(0, OVA_ParametriceqDesignFloat(&request, reference.data()));
   std::vector<Word> out(6 * n + 2);
   Workspace ws(QH_IirDesignWorkspaceBytes(n));
-  ASSERT_EQ(0, design(&spec, out.data(), ws.get()));
+  ASSERT_EQ(0, design(&request, out.data(), ws.get()));
   std::vector<float> readback(5 * n + 1);
   qh_test::ReadFixedCascade(out.data(), n, width, readback.data());
   for (double f : {50.0, 200.0, 1000.0, 2500.0, 8000.0, 15000.0}) {

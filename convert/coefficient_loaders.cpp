@@ -146,7 +146,9 @@ int QuillHeron_v1_1_Pb::PopulateTHUMPXCoeff(const HeronSettings& settings,
   if (!thumpx.has_filterdesignparams()) return kFail;
   const quill::pb::tech::ThumpxFilterDesignParameters& p = thumpx.filterdesignparams();
   if (p.sampling_rate() != sampleRate_) return kFail;
-  alignas(8) unsigned char work[kThumpxWorkBytes];
+  // Zeroed: the designer quantises three floats it never writes, so the
+  // result depends on the scratch contents unless they are fixed.
+  alignas(8) unsigned char work[kThumpxWorkBytes] = {};
   const int designed = OVA_THUMPX_FilterDesignFxp32(
       p.custom_speaker_size(), narrowToFloat(p.bass_ctrl()), narrowToFloat(p.hp_ratio()),
       narrowToFloat(p.ext_bass()), sampleRate_, record.thumpx.coeffs, narrowToFloat(p.lp_ratio()),

@@ -1,0 +1,60 @@
+#include "design_output.h"
+
+#include <cmath>
+
+#include "message_io.h"
+
+namespace heron_tool {
+
+int FormatWidth(const std::string& format) {
+  if (format == "fxp32" || format == "fxp32-noscale") return 32;
+  if (format == "fxp24") return 24;
+  if (format == "fxp16") return 16;
+  return 0;
+}
+
+double Dequantise(int64_t word, int width, int iwl) {
+  return std::ldexp(static_cast<double>(word), iwl - width);
+}
+
+namespace {
+
+Biquad ToBiquad(const std::vector<double>& v) {
+  // Five values: b0 b1 b2 A1 A2; three (first order): b0 b1 A1.
+  if (v.size() == 3) return {v[0], v[1], 0.0, v[2], 0.0};
+  return {v[0], v[1], v[2], v[3], v[4]};
+}
+
+std::vector<std::string> CoefNames(int values) {
+  if (values == 3) return {"b0", "b1", "A1"};
+  return {"b0", "b1", "b2", "A1", "A2"};
+}
+
+}  // namespace
+
+Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t* group, int values,
+                       int width) {
+  SectionView s;
+  s.name = name;
+  s.iwl = static_cast<int>(group[0]);
+  s.coef_names = CoefNames(values);
+  for (int i = 0; i < values; ++i) {
+    s.words.push_back(group[1 + i]);
+    s.values.push_back(Dequantise(group[1 + i], width, *s.iwl));
+  }
+  const Biquad b = ToBiquad(s.values);
+  out->sections.push_back(std::move(s));
+  return b;
+}
+
+Biquad AddFloatSection(DesignOutput* out, const std::string& name, const float* coefs, int values) {
+  SectionView s;
+  s.name = name;
+  s.coef_names = CoefNames(values);
+  for (int i = 0; i < values; ++i) s.values.push_back(coefs[i]);
+  const Biquad b = ToBiquad(s.values);
+  out->sections.push_back(std::move(s));
+  return b;
+}
+
+}  // namespace heron_tool

@@ -1,0 +1,236 @@
+// Distortion-prevention records: the exactly-two copy rule with counts from
+// the first message, the partial write on a missing notch part, and the
+// design path through the notch design blocks.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "coef_test_support.h"
+#include "quillheron_filterdesign.h"
+
+namespace {
+
+using coeftest::kPattern32;
+using coeftest::ramp;
+using coeftest::Record;
+using quill::pb::coef::MbhlDistPrevCoeff;
+using quill::pb::heron_v1_1::HeronSettings;
+using quill::pb::tech::MbhlNotchDesignParams;
+
+constexpr std::size_t kRec0 = 61772;
+constexpr std::size_t kRec1 = 63940;
+
+void expectWords(const Record& rec, std::size_t at, const std::vector<std::int32_t>& v, int capacity,
+                 const char* what) {
+  for (int i = 0; i < capacity; ++i) {
+    const std::uint32_t want = i < static_cast<int>(v.size()) ? static_cast<std::uint32_t>(v[i]) : kPattern32;
+    ASSERT_EQ(rec.u32(at + 4 * i), want) << what << " " << i;
+  }
+}
+
+void expectFloats(const Record& rec, std::size_t at, const std::vector<float>& v, int capacity, const char* what) {
+  for (int i = 0; i < capacity; ++i) {
+    if (i < static_cast<int>(v.size())) {
+      ASSERT_EQ(rec.f32(at + 4 * i), v[i]) << what << " " << i;
+    } else {
+      ASSERT_EQ(rec.u32(at + 4 * i), kPattern32) << what << " " << i;
+    }
+  }
+}
+
+template <class List, class T>
+void fill(List* list, const std::vector<T>& v) {
+  for (T x : v) list->Add(x);
+}
+
+// Two precomputed designs; the second one's lists are shorter or longer than
+// the first one's, and the first one's counts decide for both.
+HeronSettings twoDesigns() {
+  HeronSettings s;
+  auto* pm = s.mutable_postmix();
+  MbhlDistPrevCoeff* a = pm->add_mbhl_dist_prev();
+  MbhlDistPrevCoeff* b = pm->add_mbhl_dist_prev();
+  auto* sa = a->mutable_sense_config();
+  sa->set_bandcount(6);
+  fill(sa->mutable_bandsoscount(), std::vector<int>{2, 2, 2});
+  fill(sa->mutable_bandcoeffs(), ramp(5, 1000));
+  fill(sa->mutable_bandcoeffsfloat32(), std::vector<float>{1.5f, -2.25f});
+  auto* sb = b->mutable_sense_config();
+  sb->set_bandcount(4);
+  fill(sb->mutable_bandsoscount(), std::vector<int>{9, 9, 9, 9, 9});
+  fill(sb->mutable_bandcoeffs(), ramp(2, -7));
+  fill(sb->mutable_bandcoeffsfloat32(), std::vector<float>{7.0f, 8.0f, 9.0f});
+
+  auto* na = a->mutable_notch_config();
+  na->set_mode(1);
+  na->set_thresholddb(-20);
+  na->set_sensitivitydb(3);  // bandCount absent: written as 0
+  fill(na->mutable_bandattenuationmax(), ramp(8, 10));  // cut at 6
+  fill(na->mutable_bandgainscalars(), ramp(2, 20));
+  fill(na->mutable_bandsoscount(), ramp(6, 30));
+  fill(na->mutable_smoothers(), ramp(9, 40));
+  fill(na->mutable_bandcoeffs(), ramp(150, 100));  // cut at 144
+  fill(na->mutable_bandcoeffsfloat32(), std::vector<float>{0.5f});
+  auto* nb = b->mutable_notch_config();
+  nb->set_mode(2);
+  nb->set_thresholddb(-1);
+  nb->set_sensitivitydb(-2);
+  nb->set_bandcount(5);
+  fill(nb->mutable_bandattenuationmax(), ramp(6, -10));
+  fill(nb->mutable_bandgainscalars(), ramp(6, -20));  // only 2 taken
+  fill(nb->mutable_bandsoscount(), ramp(6, -30));
+  fill(nb->mutable_smoothers(), ramp(3, -40));        // fewer than the first: only 3
+  fill(nb->mutable_bandcoeffs(), ramp(144, -100));
+  fill(nb->mutable_bandcoeffsfloat32(), std::vector<float>{-0.5f, 3.0f});
+  return s;
+}
+
+TEST(CoefDistprev, CopiesTwoDesigns) {
+  HeronSettings s = twoDesigns();
+  Record rec;
+  QuillHeron_v1_1_Pb conv(48000);
+  ASSERT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), 0);
+
+  EXPECT_EQ(rec.i32(kRec0), 6);
+  expectWords(rec, kRec0 + 4, {2, 2, 2}, 6, "sense sos 0");
+  expectWords(rec, kRec0 + 28, ramp(5, 1000), 144, "sense coeffs 0");
+  expectFloats(rec, kRec0 + 604, {1.5f, -2.25f}, 108, "sense floats 0");
+  EXPECT_EQ(rec.i32(kRec1), 4);
+  expectWords(rec, kRec1 + 4, {9, 9, 9}, 6, "sense sos 1");
+  expectWords(rec, kRec1 + 28, ramp(2, -7), 144, "sense coeffs 1");
+  expectFloats(rec, kRec1 + 604, {7.0f, 8.0f}, 108, "sense floats 1");
+
+  const std::int32_t scalars0[4] = {1, -20, 3, 0};
+  const std::int32_t scalars1[4] = {2, -1, -2, 5};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(rec.i32(kRec0 + 1036 + 4 * i), scalars0[i]) << i;
+    EXPECT_EQ(rec.i32(kRec1 + 1036 + 4 * i), scalars1[i]) << i;
+  }
+  expectWords(rec, kRec0 + 1052, ramp(6, 10), 6, "attenuation 0");
+  expectWords(rec, kRec0 + 1076, ramp(2, 20), 6, "gain scalars 0");
+  expectWords(rec, kRec0 + 1100, ramp(6, 30), 6, "notch sos 0");
+  expectWords(rec, kRec0 + 1124, ramp(9, 40), 9, "smoothers 0");
+  expectWords(rec, kRec0 + 1160, ramp(144, 100), 144, "notch coeffs 0");
+  expectFloats(rec, kRec0 + 1736, {0.5f}, 108, "notch floats 0");
+  expectWords(rec, kRec1 + 1052, ramp(6, -10), 6, "attenuation 1");
+  expectWords(rec, kRec1 + 1076, ramp(2, -20), 6, "gain scalars 1");
+  expectWords(rec, kRec1 + 1100, ramp(6, -30), 6, "notch sos 1");
+  expectWords(rec, kRec1 + 1124, ramp(3, -40), 9, "smoothers 1");
+  expectWords(rec, kRec1 + 1160, ramp(144, -100), 144, "notch coeffs 1");
+  expectFloats(rec, kRec1 + 1736, {-0.5f}, 108, "notch floats 1");
+  EXPECT_TRUE(rec.untouched(0, kRec0));
+}
+
+TEST(CoefDistprev, MissingParts) {
+  QuillHeron_v1_1_Pb conv(48000);
+  {
+    HeronSettings s = twoDesigns();
+    s.mutable_postmix()->mutable_mbhl_dist_prev(1)->clear_sense_config();
+    Record rec;
+    EXPECT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), -998);
+    EXPECT_TRUE(rec.untouched(0, coeftest::kRecordBytes));
+  }
+  {
+    HeronSettings s = twoDesigns();
+    s.mutable_postmix()->mutable_mbhl_dist_prev(0)->clear_notch_config();
+    Record rec;
+    EXPECT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), -998);
+    EXPECT_EQ(rec.i32(kRec0), 6);  // the sense parts stay written
+    EXPECT_EQ(rec.i32(kRec1), 4);
+    EXPECT_TRUE(rec.untouched(kRec0 + 1036, kRec1));
+    EXPECT_TRUE(rec.untouched(kRec1 + 1036, coeftest::kRecordBytes));
+  }
+}
+
+// The block the designer is given, written out by hand.
+quillDistprevNotchDesignBlock block(std::int32_t mode, float thld, float sense, float attk_thld, float attk_ms,
+                                    float rel_ms, std::int32_t band_ct, float base_freq, float base_q,
+                                    float base_attn_max, std::int32_t spacing, std::int32_t width, float slope) {
+  quillDistprevNotchDesignBlock b;
+  std::memset(&b, 0, sizeof(b));
+  b.nf_mode = mode;
+  b.nf_thld = thld;
+  b.nf_sense = sense;
+  b.nf_attk_thld = attk_thld;
+  b.nf_attk_ms = attk_ms;
+  b.nf_rel_ms = rel_ms;
+  b.nf_band_ct = band_ct;
+  b.nf_base_freq = base_freq;
+  b.nf_base_q = base_q;
+  b.nf_base_attn_max = base_attn_max;
+  b.nf_spacing = spacing;
+  b.nf_width = width;
+  b.nf_slope = slope;
+  return b;
+}
+
+TEST(CoefDistprev, DesignPath) {
+  struct Case {
+    const char* name;
+    int precomputed;   // entries in mbhl_dist_prev (never 2 here)
+    int band_ct;       // of the second design
+    int stored_band_ct;
+  };
+  const Case kCases[] = {
+      {"no precomputed design", 0, 4, 4},
+      {"one precomputed design", 1, 4, 4},
+      {"three precomputed designs", 3, 6, 6},
+      {"band count cut at the record's six", 0, 9, 6},
+  };
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const Case& c : kCases) {
+    HeronSettings s;
+    for (int i = 0; i < c.precomputed; ++i) s.mutable_postmix()->add_mbhl_dist_prev()->mutable_sense_config();
+    auto* d = s.mutable_designerparameters();
+    // First design: only a few fields present; absent ones stay zero in the
+    // block (their schema defaults do not count).
+    MbhlNotchDesignParams* p0 = d->add_mbhl_nf_design_params();
+    p0->set_nf_band_ct(3);
+    p0->set_nf_base_freq(200.0f);
+    p0->set_nf_attk_ms(5.0f);
+    MbhlNotchDesignParams* p1 = d->add_mbhl_nf_design_params();
+    p1->set_nf_mode(2);
+    p1->set_nf_thld(-10.5f);
+    p1->set_nf_sense(3.25f);
+    p1->set_nf_attk_thld(-6.0f);
+    p1->set_nf_attk_ms(10.0f);
+    p1->set_nf_rel_ms(100.0f);
+    p1->set_nf_band_ct(c.band_ct);
+    p1->set_nf_base_freq(150.0f);
+    p1->set_nf_base_q(5.0f);
+    p1->set_nf_base_attn_max(-12.0f);
+    p1->set_nf_spacing(1);
+    p1->set_nf_width(1);
+    p1->set_nf_slope(-3.0f);
+
+    Record rec;
+    ASSERT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), 0) << c.name;
+
+    const quillDistprevNotchDesignBlock blocks[2] = {
+        block(0, 0, 0, 0, 5.0f, 0, 3, 200.0f, 0, 0, 0, 0, 0),
+        block(2, -10.5f, 3.25f, -6.0f, 10.0f, 100.0f, c.stored_band_ct, 150.0f, 5.0f, -12.0f, 1, 1, -3.0f)};
+    std::vector<quillMBHLDistprevCoeff> want(2);
+    quillDistprevDesignHeader header;
+    ASSERT_EQ(quill_distprev_config_designer(&header, want.data(), blocks, 2), 0);
+    EXPECT_EQ(0, std::memcmp(rec.bytes() + kRec0, want.data(), 2 * 2168)) << c.name;
+    EXPECT_EQ(rec.i32(kRec1 + 1048), c.stored_band_ct) << c.name;
+    EXPECT_TRUE(rec.untouched(0, kRec0)) << c.name;
+  }
+}
+
+TEST(CoefDistprev, DesignPathNeedsExactlyTwoParameterSets) {
+  QuillHeron_v1_1_Pb conv(48000);
+  for (int n : {-1, 0, 1, 3}) {
+    HeronSettings s;
+    if (n >= 0) {
+      auto* d = s.mutable_designerparameters();
+      for (int i = 0; i < n; ++i) d->add_mbhl_nf_design_params()->set_nf_band_ct(1);
+    }
+    Record rec;
+    EXPECT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), -998) << n;
+    EXPECT_TRUE(rec.untouched(0, coeftest::kRecordBytes)) << n;
+  }
+}
+
+}  // namespace

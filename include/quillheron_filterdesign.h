@@ -204,6 +204,33 @@ QH_EXPORT int OVA_ParametriceqDesignFxp16(const OVAParametriceqSpec* request, in
 
 /* ---- Bass enhancement ---- */
 
+/*
+ * Float output, 52 floats (first-order sections b0, b1, A1; second-order
+ * b0, b1, b2, A1, A2; A stored negated):
+ *   0..2   first-order low-pass at lp_ratio * size Hz   } with 3..7 a
+ *   3..7   second-order Butterworth low-pass, same corner } third-order pair
+ *   8..10  first-order high-pass at harm_hp_freq
+ *   11..15 second-order high-pass at hp_ratio * f_eff, or bypass (1,0,0,-0,-0)
+ *   16..23 the same low-pass pair at pre_lp_freq
+ *   24..26 NOT WRITTEN: the caller's contents stay
+ *   27..31 second-order high-pass at harm_hp_freq, or bypass
+ *   32..41 two bass peak sections (identity when bass_ctrl is 0)
+ *   42..44 first-order high shelf
+ *   45     size; 46..51 bass_ctrl, hp_ratio, ext_bass, lp_ratio, pre_lp_freq,
+ *          harm_hp_freq as given
+ * Fixed-point output, 63 words of the member's width:
+ *   0..55  floats 0..44 in eleven groups of 3,5,3,5,3,5,3,5,5,5,3, each its
+ *          iwl then its values (floats 24..26 quantised as found)
+ *   56     custom_speaker_size
+ *   57..59 bass_ctrl, hp_ratio, ext_bass in Q(W-1), saturated
+ *   60     lp_ratio in Q9.22 saturated to 32 bits; the 16-bit form keeps the
+ *          low 16 bits
+ *   61, 62 pre_lp_freq, harm_hp_freq truncated toward zero
+ * The 16-bit form re-derives word 6 = 2 * word 5 and word 16 = -2 * word 15.
+ * REQUIRES: size 40..600, rate 44100, 32000 or 48000, bass_ctrl, hp_ratio,
+ * ext_bass in 0..1; otherwise -1000 and nothing is written. reserved is
+ * unused. workspace: QH_THUMPX_WORKSPACE_BYTES, any alignment.
+ */
 enum {
   QH_THUMPX_FLOAT_LENGTH = 52,     /* floats of the float designer's output */
   QH_THUMPX_FIXED_LENGTH = 63,     /* words of the fixed-point output */
@@ -229,6 +256,15 @@ QH_EXPORT int OVA_THUMPX_FilterDesignFxp16(int custom_speaker_size, float bass_c
 
 /* ---- Multi-band dynamics crossover ---- */
 
+/*
+ * One crossover point: second-order Butterworth low-pass and high-pass at
+ * crossover_freq, no overflow scaling, no workspace.
+ * Float: 10 floats, low-pass b0, b1, b2, A1, A2 then the high-pass (A negated).
+ * Fxp32: 12 words, low-pass iwl + 5 words, high-pass iwl + 5 words, no gain
+ * record. The low-pass iwl is at least 1 (scale at most 2^31); the high-pass
+ * iwl is used as it comes, 0 included (scale 2^32).
+ * -1000, nothing written, when crossover_freq >= (float)(sample_rate / 2).
+ */
 enum {
   QH_MCDYN_FLOAT_LENGTH = 10, /* low-pass section, then high-pass section */
   QH_MCDYN_FIXED_LENGTH = 12  /* iwl + 5 words per section, no gain record */
@@ -239,14 +275,26 @@ QH_EXPORT int QUILL_McDyn_FilterDesignFxp32(float crossover_freq, int sample_rat
 
 /* ---- Distortion prevention ---- */
 
-/* Record types defined in quillHeronDistprev.h. */
-struct quillDistprevDesignHeader;
-struct quillMBHLDistprevCoeff;
-struct quillDistprevNotchDesignBlock;
+#ifdef __cplusplus
+}  /* extern "C" */
+#endif
 
-QH_EXPORT int32_t quill_distprev_config_designer(struct quillDistprevDesignHeader* header,
-                                                 struct quillMBHLDistprevCoeff* records,
-                                                 const struct quillDistprevNotchDesignBlock* blocks,
+#include "quillHeronDistprev.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Stamps the fixed design header (always), then designs record k from
+ * block k for k < count: sense bank, notch bank, attenuations, gain scalars
+ * and smoothers at 48000, 44100 and 32000 Hz. Each record is cleared first.
+ * nf_band_ct above 6 is cut at 6 (nothing is written past the records).
+ * Always returns 0.
+ */
+QH_EXPORT int32_t quill_distprev_config_designer(quillDistprevDesignHeader* header,
+                                                 quillMBHLDistprevCoeff* records,
+                                                 const quillDistprevNotchDesignBlock* blocks,
                                                  int32_t count);
 
 #ifdef __cplusplus

@@ -227,4 +227,23 @@ TEST(DistprevRecord, SmoothersPerRate) {
   EXPECT_LT(r.notch_smoothers[2], 0);
 }
 
+// Values no caller should send still give defined words: conversions
+// saturate and not-a-number becomes 0.
+TEST(DistprevRecord, OutOfRangeValuesSaturate) {
+  quillDistprevNotchDesignBlock blk = DefaultBlock();
+  blk.nf_thld = 1e20f;
+  blk.nf_sense = NAN;
+  blk.nf_base_attn_max = -1e20f;
+  blk.nf_slope = NAN;
+  blk.nf_band_ct = 6;
+  blk.nf_base_freq = NAN;
+  blk.nf_base_q = 0.0f;
+  quillMBHLDistprevCoeff r;
+  DesignOne(blk, &r);
+  EXPECT_EQ(r.notch_threshold_db, INT32_MAX);
+  EXPECT_EQ(r.notch_sensitivity_db, 0);
+  EXPECT_EQ(r.notch_band_attenuation_max[0], 0);   // 10^(huge negative) = 0
+  EXPECT_EQ(r.notch_band_gain_scalars[1], INT32_MAX);  // 0 dB over a huge cut
+}
+
 }  // namespace

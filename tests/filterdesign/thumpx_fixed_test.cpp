@@ -242,3 +242,23 @@ TEST(ThumpxFixed, TwentyFourBitWordsStayInTheirRange) {
 }
 
 }  // namespace
+
+namespace {
+
+// Tuning values outside any sensible range are not validated; the words
+// they produce must still be defined: saturated, or 0 for not-a-number.
+TEST(ThumpxFixed, UnvalidatedTuningValuesSaturate) {
+  const Params p = {200, 0.5f, 0.5f, 0.5f, 48000, NAN, 1e12f, -1e12f, INFINITY};
+  for (int width : kWidths) {
+    SCOPED_TRACE(width);
+    Workspace ws;
+    int rc = -1;
+    const std::vector<int64_t> w = DesignFxp(width, p, ws.At(0), &rc);
+    ASSERT_EQ(rc, 0);
+    EXPECT_EQ(w[60], 0);
+    EXPECT_EQ(w[61], width == 16 ? -1 : 2147483647);  // 16 bits: low half of 0x7FFFFFFF
+    EXPECT_EQ(w[62], width == 16 ? 0 : INT32_MIN);
+  }
+}
+
+}  // namespace

@@ -229,18 +229,6 @@ TEST(ThumpxFixed, TuningWordsPerWidth) {
   }
 }
 
-TEST(ThumpxFixed, TwentyFourBitWordsStayInTheirRange) {
-  Workspace ws;
-  int rc = -1;
-  const Params p = {40, 1.0f, 1.0f, 1.0f, 32000, 5.5f, 500.0f, 44.0f, 8.0f};
-  const std::vector<int64_t> w = DesignFxp(24, p, ws.At(0), &rc);
-  ASSERT_EQ(rc, 0);
-  for (int i = 0; i < 60; ++i) {
-    EXPECT_GE(w[i], -8388608) << i;
-    EXPECT_LE(w[i], 8388607) << i;
-  }
-}
-
 }  // namespace
 
 namespace {

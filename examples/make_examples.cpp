@@ -163,10 +163,10 @@ listeningModel MakeModel() {
     bank->set_iirorder(24);
     bank->set_firorder(0);
     for (int rate : kRates) {
-      const OVAParametriceqSpec spec{12, bands.data(), rate};
+      const OVAParametriceqSpec request{12, bands.data(), rate};
       std::vector<int32_t> words(6 * 12 + 2);
       std::vector<unsigned char> workspace(QH_IirDesignWorkspaceBytes(12));
-      OVA_ParametriceqDesignFxp32(&spec, words.data(), workspace.data());
+      OVA_ParametriceqDesignFxp32(&request, words.data(), workspace.data());
       CoefTable* t = AddTable(bank->mutable_iircoefs(), rate);
       for (int32_t w : words) t->add_coeff_32(w);
     }

@@ -83,14 +83,14 @@ void DesignBand(int type, float centre_hz, float q, int rate, float* float_slot,
   band.q = q;
   band.gain = 0.0f;  // unity
   band.invert = 0;
-  OVAParametriceqSpec spec;
-  spec.band_count = 1;
-  spec.bands = &band;
-  spec.sample_rate = rate;
+  OVAParametriceqSpec request;
+  request.band_count = 1;
+  request.bands = &band;
+  request.sample_rate = rate;
   // Scratch for the one-band fixed-point design; its contents are not kept.
   unsigned char workspace[kOneBandWorkspaceBytes];
-  (void)OVA_ParametriceqDesignFloat(&spec, float_slot);
-  (void)OVA_ParametriceqDesignFxp32NoScale(&spec, fixed_slot, workspace);
+  (void)OVA_ParametriceqDesignFloat(&request, float_slot);
+  (void)OVA_ParametriceqDesignFxp32NoScale(&request, fixed_slot, workspace);
 }
 
 void DesignSenseBank(quillMBHLDistprevCoeff* r) {

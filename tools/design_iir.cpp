@@ -177,11 +177,11 @@ void DesignPeq(const PeqOptions& o, DesignOutput* out) {
   std::vector<OVAParametriceqBandSpec> bands;
   for (const std::string& text : o.bands) bands.push_back(ParseBand(text));
   const int n = static_cast<int>(bands.size());
-  const OVAParametriceqSpec spec{n, bands.data(), out->rate};
+  const OVAParametriceqSpec request{n, bands.data(), out->rate};
   out->response_label = "parametric EQ, " + std::to_string(n) + (n == 1 ? " band" : " bands");
 
   std::vector<float> cascade(5 * n + 1, 0.0f);
-  const int float_result = OVA_ParametriceqDesignFloat(&spec, cascade.data());
+  const int float_result = OVA_ParametriceqDesignFloat(&request, cascade.data());
   const int width = FormatWidth(out->format);
   if (width == 0) {
     out->floats = cascade;
@@ -192,16 +192,16 @@ void DesignPeq(const PeqOptions& o, DesignOutput* out) {
     std::vector<unsigned char> workspace(QH_IirDesignWorkspaceBytes(n));
     if (width == 16) {
       std::vector<int16_t> w(out->words.size(), 0);
-      out->result = OVA_ParametriceqDesignFxp16(&spec, w.data(), workspace.data());
+      out->result = OVA_ParametriceqDesignFxp16(&request, w.data(), workspace.data());
       std::copy(w.begin(), w.end(), out->words.begin());
     } else {
       std::vector<int32_t> w(out->words.size(), 0);
       if (out->format == "fxp32-noscale") {
-        out->result = OVA_ParametriceqDesignFxp32NoScale(&spec, w.data(), workspace.data());
+        out->result = OVA_ParametriceqDesignFxp32NoScale(&request, w.data(), workspace.data());
       } else if (width == 32) {
-        out->result = OVA_ParametriceqDesignFxp32(&spec, w.data(), workspace.data());
+        out->result = OVA_ParametriceqDesignFxp32(&request, w.data(), workspace.data());
       } else {
-        out->result = OVA_ParametriceqDesignFxp24(&spec, w.data(), workspace.data());
+        out->result = OVA_ParametriceqDesignFxp24(&request, w.data(), workspace.data());
       }
       std::copy(w.begin(), w.end(), out->words.begin());
     }

@@ -74,8 +74,10 @@ void QuillHeron_v1_1_Pb::PopulateNotchConfigCoeff(const MbhlDistPrevCoeff& first
                                                   _quillHeronPostmixApiCtrlCoeffs& record) const {
   const distPrevNotchConfig* notch[kDesignCount] = {&first.notch_config(), &second.notch_config()};
   for (int i = 0; i < kDesignCount; ++i) {
+    const distPrevNotchConfig& config = *notch[i];
     for (const distprev::ScalarRow& row : distprev::kNotchScalars) {
-      native::storeI32(&record, at(i, row.offset), (notch[i]->*row.get)());
+      const std::int32_t value = (config.*row.get)();
+      native::storeI32(&record, at(i, row.offset), value);
     }
   }
   copyArrays(*notch[0], *notch[1], distprev::kNotchInt32, distprev::kNotchFloat, record);

@@ -109,8 +109,11 @@ std::string RenderResponseSvg(const std::string& title, const std::vector<PlotCu
     << "\" text-anchor=\"middle\">Frequency (Hz)</text>\n";
   s << "<text transform=\"translate(18," << kTop + ph / 2
     << ") rotate(-90)\" text-anchor=\"middle\">Magnitude (dB)</text>\n";
-  int legend = 0;
+  // Curves first, then the legend in the plot's lower-left corner on a
+  // white box sized to the longest label.
+  size_t longest = 0;
   for (const auto& c : curves) {
+    longest = std::max(longest, c.label.size());
     s << "<polyline fill=\"none\" stroke=\"" << Escape(c.colour) << "\" stroke-width=\"1.6\""
       << (c.dashed ? " stroke-dasharray=\"6,4\"" : "") << " points=\"";
     for (const auto& [hz, db] : c.points) {
@@ -118,12 +121,18 @@ std::string RenderResponseSvg(const std::string& title, const std::vector<PlotCu
       s << Num(x_of(hz)) << ',' << Num(y_of(db)) << ' ';
     }
     s << "\"/>\n";
-    const double ly = kTop + 16 + 18 * legend++;
-    s << "<line x1=\"" << kLeft + pw - 190 << "\" y1=\"" << ly - 4 << "\" x2=\"" << kLeft + pw - 160
-      << "\" y2=\"" << ly - 4 << "\" stroke=\"" << Escape(c.colour) << "\" stroke-width=\"2\""
+  }
+  const double box_w = 48 + 6.8 * longest, box_h = 10 + 18.0 * curves.size();
+  const double box_x = kLeft + 8, box_y = kTop + ph - box_h - 8;
+  s << "<rect x=\"" << Num(box_x) << "\" y=\"" << Num(box_y) << "\" width=\"" << Num(box_w) << "\" height=\""
+    << Num(box_h) << "\" fill=\"white\" fill-opacity=\"0.9\" stroke=\"#999\"/>\n";
+  for (size_t i = 0; i < curves.size(); ++i) {
+    const PlotCurve& c = curves[i];
+    const double ly = box_y + 18 + 18.0 * i;
+    s << "<line x1=\"" << Num(box_x + 8) << "\" y1=\"" << Num(ly - 4) << "\" x2=\"" << Num(box_x + 38) << "\" y2=\""
+      << Num(ly - 4) << "\" stroke=\"" << Escape(c.colour) << "\" stroke-width=\"2\""
       << (c.dashed ? " stroke-dasharray=\"6,4\"" : "") << "/>\n";
-    s << "<text x=\"" << kLeft + pw - 154 << "\" y=\"" << ly << "\">" << Escape(c.label)
-      << "</text>\n";
+    s << "<text x=\"" << Num(box_x + 44) << "\" y=\"" << Num(ly) << "\">" << Escape(c.label) << "</text>\n";
   }
   s << "</svg>\n";
   return s.str();

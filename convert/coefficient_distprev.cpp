@@ -18,7 +18,6 @@ using distprev::distPrevSenseConfig;
 using distprev::Record;
 using quill::pb::coef::MbhlDistPrevCoeff;
 
-constexpr int kOk = QuillHeron_v1_1_Pb::kOk;
 constexpr int kFail = QuillHeron_v1_1_Pb::kCoefficientFailure;
 constexpr int kDesignCount = 2;
 // Header area the designer stamps; the converter discards it.

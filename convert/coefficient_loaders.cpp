@@ -14,7 +14,6 @@
 namespace quillheron {
 namespace {
 
-constexpr int kOk = QuillHeron_v1_1_Pb::kOk;
 constexpr int kFail = QuillHeron_v1_1_Pb::kCoefficientFailure;
 
 template <class T, std::size_t N>

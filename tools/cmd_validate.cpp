@@ -214,7 +214,14 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
     }
   }
   if (p.has_brio_hpf_coef() && p.brio_hpf_coef().order() != 0) {
-    CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", p.brio_hpf_coef().hpf_coeffs(), rate, true, 20);
+    const auto& tables = p.brio_hpf_coef().hpf_coeffs();
+    CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", tables, rate, true, 20);
+    const CoefTable* t = TableForRate(tables, rate);
+    if (t && t->coeff_16_size() == 0 && t->coeff_32_size() > 0) {
+      f.Add(pm + ".brio_hpf_coef.hpf_coeffs", "the " + std::to_string(rate) +
+                                                  " Hz table holds only coeff_32; the Brio high-pass loads coeff_16, so "
+                                                  "nothing is copied");
+    }
   }
   if (p.has_brio_xover_coef()) {
     CheckTables(f, pm + ".brio_xover_coef.lpf_coeffs", p.brio_xover_coef().lpf_coeffs(), rate, true, 14);

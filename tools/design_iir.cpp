@@ -142,20 +142,15 @@ void DesignButterworth(const ButterworthOptions& o, DesignOutput* out) {
     out->floats = cascade;
     out->result = float_result;
   } else {
-    out->float_output = false;
-    out->words.assign(QH_IirFixedLength(o.order), 0);
     std::vector<unsigned char> workspace(QH_IirDesignWorkspaceBytes(sections));
-    if (width == 16) {
-      std::vector<int16_t> w(out->words.size(), 0);
-      out->result = OVA_IirFilterDesignFxp16(cutoff, o.order, out->rate, type, w.data(), workspace.data());
-      std::copy(w.begin(), w.end(), out->words.begin());
-    } else {
-      std::vector<int32_t> w(out->words.size(), 0);
-      out->result = width == 32
-                        ? OVA_IirFilterDesignFxp32(cutoff, o.order, out->rate, type, w.data(), workspace.data())
-                        : OVA_IirFilterDesignFxp24(cutoff, o.order, out->rate, type, w.data(), workspace.data());
-      std::copy(w.begin(), w.end(), out->words.begin());
-    }
+    void* ws = workspace.data();
+    RunFixedDesign(
+        out, QH_IirFixedLength(o.order), width,
+        [&](int16_t* w) { return OVA_IirFilterDesignFxp16(cutoff, o.order, out->rate, type, w, ws); },
+        [&](int32_t* w, int bits) {
+          return bits == 32 ? OVA_IirFilterDesignFxp32(cutoff, o.order, out->rate, type, w, ws)
+                            : OVA_IirFilterDesignFxp24(cutoff, o.order, out->rate, type, w, ws);
+        });
   }
   if (out->result != 0) {
     out->reject_reason = "the cut-off " + Hz(o.cutoff) + " Hz is not below half the rate (" +
@@ -187,24 +182,15 @@ void DesignPeq(const PeqOptions& o, DesignOutput* out) {
     out->floats = cascade;
     out->result = float_result;
   } else {
-    out->float_output = false;
-    out->words.assign(6 * n + 2, 0);
     std::vector<unsigned char> workspace(QH_IirDesignWorkspaceBytes(n));
-    if (width == 16) {
-      std::vector<int16_t> w(out->words.size(), 0);
-      out->result = OVA_ParametriceqDesignFxp16(&request, w.data(), workspace.data());
-      std::copy(w.begin(), w.end(), out->words.begin());
-    } else {
-      std::vector<int32_t> w(out->words.size(), 0);
-      if (out->format == "fxp32-noscale") {
-        out->result = OVA_ParametriceqDesignFxp32NoScale(&request, w.data(), workspace.data());
-      } else if (width == 32) {
-        out->result = OVA_ParametriceqDesignFxp32(&request, w.data(), workspace.data());
-      } else {
-        out->result = OVA_ParametriceqDesignFxp24(&request, w.data(), workspace.data());
-      }
-      std::copy(w.begin(), w.end(), out->words.begin());
-    }
+    void* ws = workspace.data();
+    const bool scaled = out->format != "fxp32-noscale";
+    RunFixedDesign(
+        out, 6 * n + 2, width, [&](int16_t* w) { return OVA_ParametriceqDesignFxp16(&request, w, ws); },
+        [&](int32_t* w, int bits) {
+          if (!scaled) return OVA_ParametriceqDesignFxp32NoScale(&request, w, ws);
+          return bits == 32 ? OVA_ParametriceqDesignFxp32(&request, w, ws) : OVA_ParametriceqDesignFxp24(&request, w, ws);
+        });
   }
   if (out->result != 0) {
     for (int i = 0; i < n; ++i) {

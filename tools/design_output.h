@@ -3,6 +3,7 @@
 #ifndef QUILLHERON_TOOLS_DESIGN_OUTPUT_H_
 #define QUILLHERON_TOOLS_DESIGN_OUTPUT_H_
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -63,6 +64,24 @@ Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t
                        int width);
 // The same for float coefficients [b0, b1, b2, A1, A2] (or b0, b1, A1).
 Biquad AddFloatSection(DesignOutput* out, const std::string& name, const float* coefs, int values);
+
+// Runs the fixed-point member for `width` into out->words (`words` long,
+// zeroed first): `run16` gets an int16_t buffer, `run32` an int32_t buffer
+// and the width (32 or 24), so each family's three members stay one call.
+template <typename Run16, typename Run32>
+void RunFixedDesign(DesignOutput* out, size_t words, int width, Run16 run16, Run32 run32) {
+  out->float_output = false;
+  out->words.assign(words, 0);
+  if (width == 16) {
+    std::vector<int16_t> w(words, 0);
+    out->result = run16(w.data());
+    std::copy(w.begin(), w.end(), out->words.begin());
+  } else {
+    std::vector<int32_t> w(words, 0);
+    out->result = run32(w.data(), width);
+    std::copy(w.begin(), w.end(), out->words.begin());
+  }
+}
 
 // Designer adapters. Each validates its own options (throwing ToolError with
 // status 2 for usage errors), runs the library's designer and fills `out`.

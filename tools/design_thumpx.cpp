@@ -69,24 +69,20 @@ void DesignThumpx(const ThumpxOptions& o, DesignOutput* out) {
     out->floats = floats;
     out->result = float_result;
   } else {
-    out->float_output = false;
-    out->words.assign(QH_THUMPX_FIXED_LENGTH, 0);
     // Zeroed workspace: the float gap the designer leaves is quantised as zeros.
     std::vector<unsigned char> workspace(QH_THUMPX_WORKSPACE_BYTES, 0);
-    if (width == 16) {
-      std::vector<int16_t> w(QH_THUMPX_FIXED_LENGTH, 0);
-      out->result = OVA_THUMPX_FilterDesignFxp16(o.speaker_size, bass, hp, ext, out->rate, w.data(), lp, pre, harm,
-                                                 clip, kReserved, workspace.data());
-      std::copy(w.begin(), w.end(), out->words.begin());
-    } else {
-      std::vector<int32_t> w(QH_THUMPX_FIXED_LENGTH, 0);
-      out->result = width == 32
-                        ? OVA_THUMPX_FilterDesignFxp32(o.speaker_size, bass, hp, ext, out->rate, w.data(), lp, pre,
-                                                       harm, clip, kReserved, workspace.data())
-                        : OVA_THUMPX_FilterDesignFxp24(o.speaker_size, bass, hp, ext, out->rate, w.data(), lp, pre,
-                                                       harm, clip, kReserved, workspace.data());
-      std::copy(w.begin(), w.end(), out->words.begin());
-    }
+    void* ws = workspace.data();
+    const int size = o.speaker_size, rate = out->rate;
+    RunFixedDesign(
+        out, QH_THUMPX_FIXED_LENGTH, width,
+        [&](int16_t* w) {
+          return OVA_THUMPX_FilterDesignFxp16(size, bass, hp, ext, rate, w, lp, pre, harm, clip, kReserved, ws);
+        },
+        [&](int32_t* w, int bits) {
+          return bits == 32
+                     ? OVA_THUMPX_FilterDesignFxp32(size, bass, hp, ext, rate, w, lp, pre, harm, clip, kReserved, ws)
+                     : OVA_THUMPX_FilterDesignFxp24(size, bass, hp, ext, rate, w, lp, pre, harm, clip, kReserved, ws);
+        });
   }
   if (out->result != 0) {
     out->reject_reason = RejectReason(o, out->rate);

@@ -35,10 +35,6 @@ namespace fd {
 // Single-precision pi used throughout the designers.
 constexpr float kPiF = 3.1415927f;
 
-// Decay blocks after which the scaling pass gives up on a cascade that does
-// not decay (see ScaleCascadedTransposedDirectForm2IIR).
-constexpr long kScaleDecayBlockCap = 1L << 24;
-
 // Rounds a caller workspace up to the next multiple of 8 bytes.
 inline float* AlignWorkspace8(void* workspace) {
   const uintptr_t p = reinterpret_cast<uintptr_t>(workspace);

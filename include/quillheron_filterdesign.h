@@ -121,16 +121,16 @@ QH_EXPORT void OVA_ConcatenateIIRs(const float* first, int first_order, const fl
  * sums to at most 1.28e-10). Each section's numerator (b0, b1, b2) is scaled
  * by peak(s-1) / peak(s); the gain float is REPLACED by the last peak.
  * Safety cap for cascades that never decay: the pass stops adding blocks after
- * 2^24 decay blocks (2^31 samples), or as soon as a block's output sum is no
+ * 2^20 decay blocks (2^27 samples), or as soon as a block's output sum is no
  * longer finite (a diverging cascade). It then finishes with the sums gathered
  * so far; the result for such a cascade is meaningless, but the call returns
- * (a cascade that neither decays nor diverges costs a few seconds per section).
- * No stable design reaches the cap: with float coefficients -A2 <= 1 - 2^-24,
- * so every pole of a stable section lies at least about 2^-25 inside the unit
- * circle and its response has fallen by e^-64 within 2^31 samples, far below
- * the 1.28e-10 threshold from any realistic peak; real designs (a 20 Hz
- * eighth-order Butterworth or a q 20 band at 192 kHz) decay within 2*10^4
- * blocks. With no sections nothing is touched.
+ * (a cascade that neither decays nor diverges costs about 0.4 s per section).
+ * No design worth playing reaches the cap: the slowest stable sections are
+ * narrow low bands, and a q 20 band at 1 Hz at 192 kHz decays within about
+ * 2*10^5 blocks, a q 100 band at 20 Hz within 5.5*10^4, a 20 Hz eighth-order
+ * Butterworth within 10^3. Only a section whose poles lie within about
+ * 2*10^-7 of the unit circle (a q 20 band below 1 Hz, or narrower still) is
+ * measured short. With no sections nothing is touched.
  * workspace: QH_ScaleWorkspaceFloats(section_count) floats, 4-byte aligned. */
 QH_EXPORT void ScaleCascadedTransposedDirectForm2IIR(float* cascade, int section_count,
                                                      float* workspace);

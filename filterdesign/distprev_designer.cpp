@@ -124,6 +124,8 @@ void BandLevels(const quillDistprevNotchDesignBlock& blk, quillMBHLDistprevCoeff
   int32_t a[kBandCount];
   Attenuations(blk, a);
   for (int i = 0; i < kBandCount; ++i) {
+    // The exponents 0.05 * dB are formed in single precision like the powf
+    // they feed; only the Q31 and x 32767 scalings are done in double.
     const float attn_db = static_cast<float>(a[i]);
     r->notch_band_attenuation_max[i] = Q31(powf(10.0f, 0.05f * attn_db));
     // Relative to the untruncated base: band 0 of a fractional base is

@@ -10,6 +10,8 @@
 
 namespace {
 
+using qh::fd::TruncToInt32;
+
 constexpr int kRateCount = QUILL_DISTPREV_RATE_COUNT;
 constexpr int kBandCount = QUILL_DISTPREV_BAND_COUNT;
 constexpr int kFxpSlot = QUILL_DISTPREV_FXP_SLOT_WORDS;
@@ -51,13 +53,6 @@ const char kHeaderName[] = "HP:P9+:Portrait";
 
 // float or double to int32 toward zero. Out-of-range values saturate and a
 // value that is not a number gives 0, as the engine's target converts.
-int32_t TruncToInt32(double x) {
-  if (!(x == x)) return 0;
-  if (x >= 2147483647.0) return INT32_MAX;
-  if (x <= -2147483648.0) return INT32_MIN;
-  return static_cast<int32_t>(x);
-}
-
 // Linear value to Q31: x * (2^31 - 1) toward zero, saturating.
 int32_t Q31(float x) { return TruncToInt32(static_cast<double>(x) * 2147483647.0); }
 

@@ -12,10 +12,7 @@ namespace {
 void RepairNumerators16(int filter_type, int order, int16_t* out) {
   const int sections = QH_IirSectionCount(order);
   const int factor = filter_type == QH_IIR_LOWPASS ? 2 : -2;
-  for (int s = order % 2 != 0 ? 1 : 0; s < sections; ++s) {
-    int16_t* rec = out + 6 * s;
-    rec[2] = Truncate16(rec[1] * factor);
-  }
+  for (int s = order % 2 != 0 ? 1 : 0; s < sections; ++s) RepairB1FromB0(out + 6 * s, factor);
 }
 
 template <int W>

@@ -62,14 +62,19 @@ inline FxpWord<W> RoundSaturate(float scale, float c) {
   return static_cast<FxpWord<W>>(static_cast<int32_t>(v));  // truncates toward zero
 }
 
-// One group: iwl = MinimalIwl(MaxAbs(values)), then each value quantised.
+// One group with a given iwl: the iwl word, then each value quantised.
 // out: count + 1 words.
 template <int W>
-inline void QuantizeGroup(const float* values, int count, FxpWord<W>* out) {
-  const int iwl = MinimalIwl(MaxAbs(values, count));
+inline void QuantizeGroupWithIwl(const float* values, int count, int iwl, FxpWord<W>* out) {
   out[0] = static_cast<FxpWord<W>>(iwl);
   const float scale = IwlScale<W>(iwl);
   for (int i = 0; i < count; ++i) out[1 + i] = RoundSaturate<W>(scale, values[i]);
+}
+
+// One group: iwl = MinimalIwl(MaxAbs(values)), then each value quantised.
+template <int W>
+inline void QuantizeGroup(const float* values, int count, FxpWord<W>* out) {
+  QuantizeGroupWithIwl<W>(values, count, MinimalIwl(MaxAbs(values, count)), out);
 }
 
 // A whole float cascade of `sections` sections (5*S + 1 floats) into its
@@ -87,6 +92,23 @@ inline void QuantizeCascade(const float* cascade, int sections, FxpWord<W>* out)
 // Keeps the low 16 bits of v as a signed value (two's complement wrap).
 inline int16_t Truncate16(int32_t v) {
   return static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(v) & 0xFFFFu));
+}
+
+// 16-bit numerator repair of one section record (iwl, b0, b1, ...): b1
+// becomes b0 * factor kept to its low 16 bits, so the 1, +/-2, 1 numerator
+// survives the separate rounding of b0 and b1.
+inline void RepairB1FromB0(int16_t* section, int32_t factor) {
+  section[2] = Truncate16(static_cast<int32_t>(section[1]) * factor);
+}
+
+// x converted to int32 toward zero, saturating at the int32 limits; a
+// not-a-number gives 0 (as a 32-bit Arm conversion does).
+template <typename Real>
+inline int32_t TruncToInt32(Real x) {
+  if (!(x == x)) return 0;
+  if (x >= static_cast<Real>(2147483648.0)) return INT32_MAX;
+  if (x < static_cast<Real>(-2147483648.0)) return INT32_MIN;
+  return static_cast<int32_t>(x);
 }
 
 }  // namespace fd

@@ -23,12 +23,6 @@ int DesignHalves(float crossover_freq, int sample_rate, float* lp, float* hp) {
   return rc;
 }
 
-void QuantizeSection(const float* section, int iwl, int32_t* out) {
-  out[0] = iwl;
-  const float scale = qh::fd::IwlScale<32>(iwl);
-  for (int i = 0; i < kSectionFloats; ++i) out[1 + i] = qh::fd::RoundSaturate<32>(scale, section[i]);
-}
-
 }  // namespace
 
 extern "C" {
@@ -54,8 +48,8 @@ QH_EXPORT int QUILL_McDyn_FilterDesignFxp32(float crossover_freq, int sample_rat
   int lp_iwl = MinimalIwl(MaxAbs(lp, kSectionFloats));
   if (lp_iwl == 0) lp_iwl = 1;
   const int hp_iwl = MinimalIwl(MaxAbs(hp, kSectionFloats));
-  QuantizeSection(lp, lp_iwl, out);
-  QuantizeSection(hp, hp_iwl, out + 1 + kSectionFloats);
+  qh::fd::QuantizeGroupWithIwl<32>(lp, kSectionFloats, lp_iwl, out);
+  qh::fd::QuantizeGroupWithIwl<32>(hp, kSectionFloats, hp_iwl, out + 1 + kSectionFloats);
   return QH_IIR_DESIGN_OK;
 }
 

@@ -29,10 +29,10 @@ void RepairNumerators16(const OVAParametriceqSpec& request, int16_t* out) {
     int16_t* rec = out + 6 * b;  // iwl, b0, b1, b2, A1, A2
     switch (request.bands[b].type) {
       case PEQ_BAND_TYPE_LOWPASS:
-        rec[2] = Truncate16(rec[1] * 2);
+        RepairB1FromB0(rec, 2);
         break;
       case PEQ_BAND_TYPE_HIGHPASS:
-        rec[2] = Truncate16(rec[1] * 65534);  // -2 * b0 in 16 bits
+        RepairB1FromB0(rec, 65534);  // -2 * b0 in 16 bits
         break;
       case PEQ_BAND_TYPE_BANDPASS:
         rec[2] = 0;

@@ -15,6 +15,7 @@
 namespace {
 
 using qh::fd::FxpWord;
+using qh::fd::TruncToInt32;
 
 // Lengths of the groups over the first 45 floats; the seventh covers the
 // three floats the float designer leaves alone, quantised as found.
@@ -28,13 +29,6 @@ constexpr int kFreqWords = 61;      // two truncated integers
 constexpr float kLpRatioScale = 4194304.0f;  // 2^22: nine integer bits
 
 // Toward zero; out-of-range values saturate and not-a-number gives 0.
-int32_t TruncToInt32(float x) {
-  if (!(x == x)) return 0;
-  if (x >= 2147483648.0f) return INT32_MAX;
-  if (x < -2147483648.0f) return INT32_MIN;
-  return static_cast<int32_t>(x);
-}
-
 // A 32-bit integer as a word of width W: whole for 32 and 24, low 16 bits
 // for 16.
 template <int W>
@@ -50,8 +44,8 @@ FxpWord<W> IntegerWord(int32_t v) {
 // words 5 and 6) and in the hp_ratio high-pass (b1 = -2*b0, words 15 and 16).
 // The other second-order sections keep their separately rounded b1.
 void RepairNumerators16(int16_t* out) {
-  out[6] = qh::fd::Truncate16(2 * static_cast<int32_t>(out[5]));
-  out[16] = qh::fd::Truncate16(-2 * static_cast<int32_t>(out[15]));
+  qh::fd::RepairB1FromB0(out + 4, 2);    // group 1: iwl at word 4, b0 at 5
+  qh::fd::RepairB1FromB0(out + 14, -2);  // group 3: iwl at word 14, b0 at 15
 }
 
 template <int W>

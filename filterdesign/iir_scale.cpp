@@ -96,23 +96,25 @@ float RunSections(const float* cascade, float* state, float* block, float* trace
   return out_sum[K - 1];
 }
 
+// One group of K sections starting at section s; the last group keeps the
+// traces.
+template <int K>
+float RunGroup(const float* cascade, int s, bool last_group, const ScaleWorkspace& w) {
+  float* const state = w.state + 2 * s;
+  float* const sums = w.sums + 3 * s;
+  return last_group ? RunSections<K, true>(cascade + 5 * s, state, w.block, w.trace1, w.trace2, sums)
+                    : RunSections<K, false>(cascade + 5 * s, state, w.block, w.trace1, w.trace2, sums);
+}
+
 // Runs the current block through every section, adding each node's block
-// magnitude to its running sum; sections go in groups of two (the last one
-// alone when the count is odd). Returns the last section's output sum over
-// this block.
+// magnitude to its running sum. Sections go in pairs, the last one alone when
+// the count is odd (larger groups measured no faster: their states no longer
+// fit the registers). Returns the last section's output sum over this block.
 float RunBlock(const float* cascade, int sections, const ScaleWorkspace& w) {
   float last = 0.0f;
   int s = 0;
-  for (; s + 2 <= sections; s += 2) {
-    const bool final_group = s + 2 == sections;
-    float* const state = w.state + 2 * s;
-    float* const sums = w.sums + 3 * s;
-    last = final_group ? RunSections<2, true>(cascade + 5 * s, state, w.block, w.trace1, w.trace2, sums)
-                       : RunSections<2, false>(cascade + 5 * s, state, w.block, w.trace1, w.trace2, sums);
-  }
-  if (s < sections) {
-    last = RunSections<1, true>(cascade + 5 * s, w.state + 2 * s, w.block, w.trace1, w.trace2, w.sums + 3 * s);
-  }
+  for (; s + 2 <= sections; s += 2) last = RunGroup<2>(cascade, s, s + 2 == sections, w);
+  if (s < sections) last = RunGroup<1>(cascade, s, true, w);
   return last;
 }
 

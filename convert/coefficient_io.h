@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include <google/protobuf/repeated_field.h>
 
@@ -34,28 +35,57 @@ inline std::size_t copyCount(std::size_t wanted, int list_size, std::size_t capa
   return n;
 }
 
+// A little-endian host holds 32-bit values in the records' own byte order, so
+// the stores below copy whole arrays there; elsewhere they go value by value.
+constexpr bool kHostIsLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
 // Message to native: the first `count` values into consecutive native fields
 // starting at byte `offset` of `base`.
 // REQUIRES: count <= src.size() and the destination range lies in the record.
 inline void storeInt32s(void* base, std::size_t offset, const Int32List& src,
                         std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    native::storeI32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+  if constexpr (kHostIsLittleEndian) {
+    if (count > 0) std::memcpy(static_cast<unsigned char*>(base) + offset, src.data(), 4 * count);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) {
+      native::storeI32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+    }
   }
 }
 
-// int16 fields keep the low 16 bits of each value.
+// int16 fields keep the low 16 bits of each value. On a little-endian host
+// the values are narrowed into a small buffer (a loop the compiler turns into
+// vector code) that is then copied into the record.
 inline void storeInt16s(void* base, std::size_t offset, const Int32List& src,
                         std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    native::storeI16(base, offset + 2 * i, src.Get(static_cast<int>(i)));
+  if constexpr (kHostIsLittleEndian) {
+    constexpr std::size_t kChunk = 256;
+    std::uint16_t chunk[kChunk];
+    const std::int32_t* from = src.data();
+    unsigned char* to = static_cast<unsigned char*>(base) + offset;
+    for (std::size_t done = 0; done < count;) {
+      const std::size_t n = count - done < kChunk ? count - done : kChunk;
+      for (std::size_t i = 0; i < n; ++i) {
+        chunk[i] = static_cast<std::uint16_t>(static_cast<std::uint32_t>(from[done + i]));
+      }
+      std::memcpy(to + 2 * done, chunk, 2 * n);
+      done += n;
+    }
+  } else {
+    for (std::size_t i = 0; i < count; ++i) {
+      native::storeI16(base, offset + 2 * i, src.Get(static_cast<int>(i)));
+    }
   }
 }
 
 inline void storeFloats(void* base, std::size_t offset, const FloatList& src,
                         std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    native::storeF32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+  if constexpr (kHostIsLittleEndian) {
+    if (count > 0) std::memcpy(static_cast<unsigned char*>(base) + offset, src.data(), 4 * count);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) {
+      native::storeF32(base, offset + 4 * i, src.Get(static_cast<int>(i)));
+    }
   }
 }
 

@@ -43,6 +43,7 @@ bool convertStringToUuidString(const std::string& text, std::uint8_t out[kUuidBy
 bool CompareCI(const std::string& a, const std::string& b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] == b[i]) continue;  // equal characters stay equal after toupper
     const int ca = std::toupper(static_cast<unsigned char>(a[i]));
     const int cb = std::toupper(static_cast<unsigned char>(b[i]));
     if (ca != cb) return false;

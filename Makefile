@@ -22,6 +22,13 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
 
+# The 32-bit Arm (armhf) lane: cross build into build-arm/ with static
+# executables, the whole test suite under qemu-arm, and byte identity of the
+# designers' and heron's outputs between armhf and this machine.
+.PHONY: test-arm
+test-arm:
+	@JOBS=$(JOBS) scripts/test-arm.sh
+
 HERON = $(BUILD_DIR)/bin/heron
 EXAMPLE_ROUTE = examples/headphone_route.txtpb
 EXAMPLE_MODEL = examples/listening_model.txtpb
@@ -46,3 +53,35 @@ examples: build
 
 clean:
 	rm -rf $(BUILD_DIR)
+
+# Benchmarks (not part of test or CI): Release build in build-bench/.
+#   make bench        timings and allocations per call; JSON in build/bench.json
+#   make bench-ir     instructions per call under callgrind; build/bench_ir.tsv
+#   make bench-check  budgets (instruction ratios, zero allocations, designer
+#                     times); fails when one is not met
+BENCH_DIR ?= build-bench
+BENCH_BIN = $(BENCH_DIR)/bin/qh_bench
+BENCH_FLAGS ?=
+
+.PHONY: bench bench-build bench-ir bench-check
+
+bench-build:
+	@scripts/install-deps.sh libbenchmark-dev valgrind
+	@if [ ! -f $(BENCH_DIR)/build.ninja ]; then \
+	  cmake -S . -B $(BENCH_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release \
+	    -DQH_BUILD_BENCH=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF; \
+	fi
+	cmake --build $(BENCH_DIR) -j$(JOBS) --target qh_bench
+
+bench: bench-build
+	@mkdir -p build
+	$(BENCH_BIN) --benchmark_out=build/bench.json --benchmark_out_format=json $(BENCH_FLAGS)
+
+bench-ir: bench-build
+	@rm -rf $(BENCH_DIR)/callgrind && mkdir -p $(BENCH_DIR)/callgrind build
+	valgrind --tool=callgrind --instr-atstart=no --callgrind-out-file=$(BENCH_DIR)/callgrind/out \
+	  $(BENCH_BIN) --ir > $(BENCH_DIR)/callgrind/driver.log 2>&1 || { cat $(BENCH_DIR)/callgrind/driver.log; exit 1; }
+	$(BENCH_BIN) --ir-report $(BENCH_DIR)/callgrind --ir-out build/bench_ir.tsv
+
+bench-check: bench-ir
+	$(BENCH_BIN) --check --ir-in build/bench_ir.tsv

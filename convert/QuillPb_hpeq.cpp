@@ -26,23 +26,23 @@ constexpr std::uint32_t kMaxIhpirLength = 128;
 
 const char kRebuiltName[] = "From Heron STU";
 
-// Writes coefficient `index` unless it would fall outside `capacity` bytes.
-void storeTap(void* base, unsigned int capacity, std::int64_t index, std::int32_t value) {
-  if (index < 0 || static_cast<std::uint64_t>(kHpeqCoeffs) + 2 * static_cast<std::uint64_t>(index) + 2 > capacity) {
-    return;
-  }
-  native::storeI16(base, kHpeqCoeffs + 2 * static_cast<std::size_t>(index), value);
-}
-
 // Copies `count` source values from `from` to destination index `to`,
-// skipping source indices past the list and destination slots past the record.
+// skipping source indices past the list and destination slots past the
+// `capacity` bytes of the record. Both limits cut one contiguous run of the
+// copy, which is then stored in one go.
 void copyTaps(void* base, unsigned int capacity, const Int32List& src, std::int64_t from,
               std::int64_t to, std::int64_t count) {
-  for (std::int64_t j = 0; j < count; ++j) {
-    const std::int64_t s = from + j;
-    if (s < 0 || s >= src.size()) continue;
-    storeTap(base, capacity, to + j, src.Get(static_cast<int>(s)));
-  }
+  const std::int64_t slots =
+      capacity < kHpeqCoeffs ? 0 : static_cast<std::int64_t>((capacity - kHpeqCoeffs) / 2);
+  std::int64_t first = 0;
+  if (first < -from) first = -from;
+  if (first < -to) first = -to;
+  std::int64_t end = count;
+  if (end > src.size() - from) end = src.size() - from;
+  if (end > slots - to) end = slots - to;
+  if (first >= end) return;
+  storeInt16s(base, kHpeqCoeffs + 2 * static_cast<std::size_t>(to + first), src.data() + (from + first),
+              static_cast<std::size_t>(end - first));
 }
 
 }  // namespace

@@ -53,29 +53,33 @@ inline void storeInt32s(void* base, std::size_t offset, const Int32List& src,
   }
 }
 
-// int16 fields keep the low 16 bits of each value. On a little-endian host
-// the values are narrowed into a small buffer (a loop the compiler turns into
+// int16 fields keep the low 16 bits of each value: `count` values from `src`
+// (a raw array) into consecutive native fields. On a little-endian host the
+// values are narrowed into a small buffer (a loop the compiler turns into
 // vector code) that is then copied into the record.
-inline void storeInt16s(void* base, std::size_t offset, const Int32List& src,
+// REQUIRES: src holds count values and the destination range lies in the record.
+inline void storeInt16s(void* base, std::size_t offset, const std::int32_t* src,
                         std::size_t count) {
   if constexpr (kHostIsLittleEndian) {
     constexpr std::size_t kChunk = 256;
     std::uint16_t chunk[kChunk];
-    const std::int32_t* from = src.data();
     unsigned char* to = static_cast<unsigned char*>(base) + offset;
     for (std::size_t done = 0; done < count;) {
       const std::size_t n = count - done < kChunk ? count - done : kChunk;
       for (std::size_t i = 0; i < n; ++i) {
-        chunk[i] = static_cast<std::uint16_t>(static_cast<std::uint32_t>(from[done + i]));
+        chunk[i] = static_cast<std::uint16_t>(static_cast<std::uint32_t>(src[done + i]));
       }
       std::memcpy(to + 2 * done, chunk, 2 * n);
       done += n;
     }
   } else {
-    for (std::size_t i = 0; i < count; ++i) {
-      native::storeI16(base, offset + 2 * i, src.Get(static_cast<int>(i)));
-    }
+    for (std::size_t i = 0; i < count; ++i) native::storeI16(base, offset + 2 * i, src[i]);
   }
+}
+
+inline void storeInt16s(void* base, std::size_t offset, const Int32List& src,
+                        std::size_t count) {
+  if (count > 0) storeInt16s(base, offset, src.data(), count);
 }
 
 inline void storeFloats(void* base, std::size_t offset, const FloatList& src,

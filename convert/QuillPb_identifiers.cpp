@@ -26,15 +26,16 @@ bool convertStringToUuidString(const std::string& text, std::uint8_t out[kUuidBy
   unsigned int produced = 0;
   std::size_t i = 0;
   while (produced < kUuidBytes && i < text.size()) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (!std::isxdigit(c)) {
+    // hexValue accepts exactly what isxdigit does (0-9, a-f, A-F, in every locale).
+    const int high = hexValue(static_cast<unsigned char>(text[i]));
+    if (high < 0) {
       ++i;
       continue;
     }
     if (i + 1 >= text.size()) break;
-    const unsigned char d = static_cast<unsigned char>(text[i + 1]);
-    if (!std::isxdigit(d)) break;
-    out[produced++] = static_cast<std::uint8_t>((hexValue(c) << 4) | hexValue(d));
+    const int low = hexValue(static_cast<unsigned char>(text[i + 1]));
+    if (low < 0) break;
+    out[produced++] = static_cast<std::uint8_t>((high << 4) | low);
     i += 2;
   }
   return produced == kUuidBytes;

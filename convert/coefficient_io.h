@@ -93,24 +93,52 @@ inline void storeFloats(void* base, std::size_t offset, const FloatList& src,
   }
 }
 
-// Native to message: append `count` consecutive native fields.
+// Native to message: append `count` consecutive native fields. The list
+// grows once; on a little-endian host the values are copied in bulk.
 inline void appendInt32s(Int32List* dst, const void* base, std::size_t offset,
                          std::size_t count) {
+  if (count == 0) return;
   dst->Reserve(dst->size() + static_cast<int>(count));
-  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadI32(base, offset + 4 * i));
+  std::int32_t* out = dst->AddNAlreadyReserved(static_cast<int>(count));
+  if constexpr (kHostIsLittleEndian) {
+    std::memcpy(out, static_cast<const unsigned char*>(base) + offset, 4 * count);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) out[i] = native::loadI32(base, offset + 4 * i);
+  }
 }
 
-// int16 fields are sign-extended.
+// int16 fields are sign-extended (through a small buffer on a little-endian
+// host, so the widening loop becomes vector code).
 inline void appendInt16s(Int32List* dst, const void* base, std::size_t offset,
                          std::size_t count) {
+  if (count == 0) return;
   dst->Reserve(dst->size() + static_cast<int>(count));
-  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadI16(base, offset + 2 * i));
+  std::int32_t* out = dst->AddNAlreadyReserved(static_cast<int>(count));
+  if constexpr (kHostIsLittleEndian) {
+    constexpr std::size_t kChunk = 256;
+    std::int16_t chunk[kChunk];
+    const unsigned char* from = static_cast<const unsigned char*>(base) + offset;
+    for (std::size_t done = 0; done < count;) {
+      const std::size_t n = count - done < kChunk ? count - done : kChunk;
+      std::memcpy(chunk, from + 2 * done, 2 * n);
+      for (std::size_t i = 0; i < n; ++i) out[done + i] = chunk[i];
+      done += n;
+    }
+  } else {
+    for (std::size_t i = 0; i < count; ++i) out[i] = native::loadI16(base, offset + 2 * i);
+  }
 }
 
 inline void appendFloats(FloatList* dst, const void* base, std::size_t offset,
                          std::size_t count) {
+  if (count == 0) return;
   dst->Reserve(dst->size() + static_cast<int>(count));
-  for (std::size_t i = 0; i < count; ++i) dst->Add(native::loadF32(base, offset + 4 * i));
+  float* out = dst->AddNAlreadyReserved(static_cast<int>(count));
+  if constexpr (kHostIsLittleEndian) {
+    std::memcpy(out, static_cast<const unsigned char*>(base) + offset, 4 * count);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) out[i] = native::loadF32(base, offset + 4 * i);
+  }
 }
 
 }  // namespace quillheron

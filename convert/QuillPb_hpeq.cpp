@@ -119,15 +119,16 @@ void QuillHeron_v1_1_Pb::_addHpeq(listeningModel* model, const _quillHpcLyraHpeq
   if (model == nullptr || hpeq == nullptr) return;
   std::uint8_t uuid[quillheron::kUuidBytes];
   std::memcpy(uuid, hpeq->uuid, sizeof(uuid));
-  const std::string text = quillheron::uuidBytesToString(uuid);
+  char text[quillheron::kUuidTextLength];  // set below without a temporary string
+  quillheron::uuidBytesToText(uuid, text);
 
   quill::pb::model::headphoneEq* out = model->add_headphones();
-  out->set_uuid(text);
+  out->set_uuid(text, quillheron::kUuidTextLength);
   out->set_name(quillheron::kRebuiltName);
   out->set_ihpirlength(native::loadU32(hpeq, quillheron::kHpeqIhpirLength));
   quill::pb::coef::CoefTable* table = out->add_coefftables();
   table->set_samplerate(native::loadI32(hpeq, quillheron::kHpeqSampleRate));
   const std::size_t taps = size > quillheron::kHpeqCoeffs ? (size - quillheron::kHpeqCoeffs) / 2 : 0;
   quillheron::appendInt16s(table->mutable_coeff_16(), hpeq, quillheron::kHpeqCoeffs, taps);
-  if (locator != nullptr) locator->set_uuid(text);
+  if (locator != nullptr) locator->set_uuid(text, quillheron::kUuidTextLength);
 }

@@ -2,7 +2,6 @@
 #include "QuillPb_identifiers.h"
 
 #include <cctype>
-#include <cstdio>
 #include <cstring>
 
 namespace quillheron {
@@ -52,19 +51,24 @@ bool CompareCI(const std::string& a, const std::string& b) {
   return true;
 }
 
-std::string uuidBytesToString(const std::uint8_t bytes[kUuidBytes]) {
-  char text[kUuidTextLength + 1];
+void uuidBytesToText(const std::uint8_t bytes[kUuidBytes], char text[kUuidTextLength]) {
+  static const char kHexDigits[] = "0123456789abcdef";
   std::size_t pos = 0;
   std::size_t dash = 0;
   for (unsigned int i = 0; i < kUuidBytes; ++i) {
-    std::snprintf(text + pos, sizeof(text) - pos, "%02x", static_cast<unsigned int>(bytes[i]));
-    pos += 2;
+    text[pos++] = kHexDigits[bytes[i] >> 4];
+    text[pos++] = kHexDigits[bytes[i] & 0x0F];
     if (dash < sizeof(atDash) / sizeof(atDash[0]) && atDash[dash] == i) {
       text[pos++] = '-';
       ++dash;
     }
   }
-  return std::string(text, pos);
+}
+
+std::string uuidBytesToString(const std::uint8_t bytes[kUuidBytes]) {
+  char text[kUuidTextLength];
+  uuidBytesToText(bytes, text);
+  return std::string(text, kUuidTextLength);
 }
 
 }  // namespace quillheron

@@ -25,6 +25,8 @@ bool CompareCI(const std::string& a, const std::string& b);
 
 // 16 bytes as "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx", lower-case, no braces.
 std::string uuidBytesToString(const std::uint8_t bytes[kUuidBytes]);
+// The same 36 characters into `text`, without a terminator or an allocation.
+void uuidBytesToText(const std::uint8_t bytes[kUuidBytes], char text[kUuidTextLength]);
 
 }  // namespace quillheron
 

@@ -16,6 +16,11 @@ for rate in 48000 44100 32000; do
   "$HERON" populate "$ROUTE" --model "$MODEL" --rate $rate \
     --premix-out "$OUT/premix_$rate.bin" --postmix-out "$OUT/postmix_$rate.bin" \
     > "$OUT/populate_$rate.txt" || true
+  # ... and back: the records rebuilt into settings, with and without rooms.
+  "$HERON" convert --rate $rate --premix "$OUT/premix_$rate.bin" --postmix "$OUT/postmix_$rate.bin" \
+    -o "$OUT/convert_$rate.txtpb" || true
+  "$HERON" convert --rate $rate --postmix "$OUT/postmix_$rate.bin" --with-room-models \
+    --output-format binary -o "$OUT/convert_rooms_$rate.pb" || true
 done
 
 n=0

@@ -37,11 +37,11 @@ benchmark::internal::Benchmark* Register(const Operation& op) {
 // Keeps the median aggregate of each repeated benchmark, in microseconds.
 class MedianReporter : public benchmark::ConsoleReporter {
  public:
-  std::map<std::string, double> median_us;
+  std::map<std::string, qhbench::MedianTime> median_us;
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& r : runs) {
       if (r.run_type == Run::RT_Aggregate && r.aggregate_name == "median") {
-        median_us[r.run_name.function_name] = r.GetAdjustedRealTime();
+        median_us[r.run_name.function_name] = {r.GetAdjustedRealTime(), r.GetAdjustedCPUTime()};
       }
     }
     ConsoleReporter::ReportRuns(runs);

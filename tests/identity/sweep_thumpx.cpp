@@ -1,0 +1,90 @@
+// Sweep of the bass-enhancement and crossover designers: speaker sizes across
+// every size band of the boost, level and shelf rules, several tuning sets
+// (including rejected ones), every rate, every width.
+#include "quillheron_filterdesign.h"
+#include "sweep_cases.h"
+
+namespace qh_identity {
+namespace {
+
+struct Tuning {
+  float bass_ctrl, hp_ratio, ext_bass, lp_ratio, pre_lp_freq, harm_hp_freq, clip_level;
+};
+
+const Tuning kTunings[] = {
+    {0.3335f, 0.5f, 0.8f, 5.5f, 500.0f, 44.0f, 1.5f},   // the schema defaults
+    {0.0f, 0.5f, 0.8f, 5.5f, 500.0f, 44.0f, 1.5f},      // no boost: identity peaks
+    {1.0f, 1.0f, 1.0f, 3.0f, 300.0f, 10.0f, 0.8f},      // full boost, bypassed harmonics high-pass
+    {0.5f, 0.04f, 0.0f, 9.0f, 1200.0f, 80.0f, 1.005f},  // bypassed high-pass, narrow peaks
+    {0.9f, 0.2f, 0.5f, 5.5f, 500.0f, 44.0f, 3.0f},      // boost above 1.818
+    {0.2f, 0.7f, 0.3f, 2.0f, 150.0f, 30.0f, 0.5f},      // level below 1.33
+    {1.5f, 0.5f, 0.8f, 5.5f, 500.0f, 44.0f, 1.5f},      // rejected: bass_ctrl above 1
+    {0.3f, 0.5f, -0.1f, 5.5f, 500.0f, 44.0f, 1.5f},     // rejected: ext_bass below 0
+};
+
+const int kSizes[] = {39,  40,  55,  60,  61,  75,  76,  90,  100, 101, 150,
+                      200, 201, 300, 301, 350, 400, 401, 500, 501, 600, 601};
+const int kRates[] = {32000, 44100, 48000, 96000};
+
+}  // namespace
+
+void SweepThumpx(SweepSink& sink) {
+  Scratch& s = SharedScratch();
+  int t = 0;
+  for (const Tuning& p : kTunings) {
+    for (int rate : kRates) {
+      for (int size : kSizes) {
+        const std::string what = Fmt("tuning=%g fs=%g size=%g", t, rate, size);
+        sink.Begin("thumpx float " + what);
+        float* f = s.FloatOut();
+        sink.I32(OVA_THUMPX_FilterDesignFloat(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, f,
+                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
+                                              p.clip_level, 0));
+        sink.F32s(f, QH_THUMPX_FLOAT_LENGTH);
+
+        sink.Begin("thumpx fxp32 " + what);
+        int32_t* w = s.I32Out();
+        sink.I32(OVA_THUMPX_FilterDesignFxp32(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, w,
+                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
+                                              p.clip_level, 0, s.Work()));
+        sink.I32s(w, QH_THUMPX_FIXED_LENGTH);
+
+        sink.Begin("thumpx fxp24 " + what);
+        w = s.I32Out();
+        sink.I32(OVA_THUMPX_FilterDesignFxp24(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, w,
+                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
+                                              p.clip_level, 0, s.Work()));
+        sink.I32s(w, QH_THUMPX_FIXED_LENGTH);
+
+        sink.Begin("thumpx fxp16 " + what);
+        int16_t* h = s.I16Out();
+        sink.I32(OVA_THUMPX_FilterDesignFxp16(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, h,
+                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
+                                              p.clip_level, 0, s.Work()));
+        sink.I16s(h, QH_THUMPX_FIXED_LENGTH);
+      }
+    }
+    ++t;
+  }
+}
+
+void SweepCrossover(SweepSink& sink) {
+  Scratch& s = SharedScratch();
+  const float kFreqs[] = {20.0f,    80.0f,    300.0f,   1000.0f,  5000.0f,
+                          12000.0f, 16000.0f, 22049.0f, 22050.0f, 24000.0f};
+  const int kCrossRates[] = {32000, 44100, 44101, 48000, 96000};
+  for (int rate : kCrossRates) {
+    for (float fc : kFreqs) {
+      sink.Begin(Fmt("crossover float fs=%g fc=%g", rate, fc));
+      float* f = s.FloatOut();
+      sink.I32(QUILL_McDyn_FilterDesignFloat(fc, rate, f));
+      sink.F32s(f, QH_MCDYN_FLOAT_LENGTH);
+      sink.Begin(Fmt("crossover fxp32 fs=%g fc=%g", rate, fc));
+      int32_t* w = s.I32Out();
+      sink.I32(QUILL_McDyn_FilterDesignFxp32(fc, rate, w));
+      sink.I32s(w, QH_MCDYN_FIXED_LENGTH);
+    }
+  }
+}
+
+}  // namespace qh_identity

@@ -119,16 +119,17 @@ void QuillHeron_v1_1_Pb::_addHpeq(listeningModel* model, const _quillHpcLyraHpeq
   if (model == nullptr || hpeq == nullptr) return;
   std::uint8_t uuid[quillheron::kUuidBytes];
   std::memcpy(uuid, hpeq->uuid, sizeof(uuid));
-  char text[quillheron::kUuidTextLength];  // set below without a temporary string
+  // Assigned in place below: a reused message keeps its strings, no temporary.
+  char text[quillheron::kUuidTextLength];
   quillheron::uuidBytesToText(uuid, text);
 
   quill::pb::model::headphoneEq* out = model->add_headphones();
-  out->set_uuid(text, quillheron::kUuidTextLength);
+  out->mutable_uuid()->assign(text, quillheron::kUuidTextLength);
   out->set_name(quillheron::kRebuiltName);
   out->set_ihpirlength(native::loadU32(hpeq, quillheron::kHpeqIhpirLength));
   quill::pb::coef::CoefTable* table = out->add_coefftables();
   table->set_samplerate(native::loadI32(hpeq, quillheron::kHpeqSampleRate));
   const std::size_t taps = size > quillheron::kHpeqCoeffs ? (size - quillheron::kHpeqCoeffs) / 2 : 0;
   quillheron::appendInt16s(table->mutable_coeff_16(), hpeq, quillheron::kHpeqCoeffs, taps);
-  if (locator != nullptr) locator->set_uuid(text, quillheron::kUuidTextLength);
+  if (locator != nullptr) locator->mutable_uuid()->assign(text, quillheron::kUuidTextLength);
 }

@@ -111,11 +111,12 @@ void QuillHeron_v1_1_Pb::_addRoom(listeningModel* model, const _quillHpcLyraRmDa
   if (model == nullptr || room == nullptr) return;
   std::uint8_t uuid[quillheron::kUuidBytes];
   std::memcpy(uuid, room->uuid, sizeof(uuid));
-  char text[quillheron::kUuidTextLength];  // set below without a temporary string
+  // Assigned in place below: a reused message keeps its strings, no temporary.
+  char text[quillheron::kUuidTextLength];
   quillheron::uuidBytesToText(uuid, text);
 
   quill::pb::model::roomModel* out = model->add_rooms();
-  out->set_uuid(text, quillheron::kUuidTextLength);
+  out->mutable_uuid()->assign(text, quillheron::kUuidTextLength);
   out->set_name(quillheron::kRebuiltName);
   out->set_brirlength(native::loadU32(room, quillheron::kRoomBrirLength));
   out->set_channelmask(native::loadU32(room, quillheron::kRoomChannelMask));
@@ -126,7 +127,7 @@ void QuillHeron_v1_1_Pb::_addRoom(listeningModel* model, const _quillHpcLyraRmDa
   table->set_samplerate(native::loadI32(room, quillheron::kRoomSampleRate));
   const std::size_t taps = size > quillheron::kRoomCoeffs ? (size - quillheron::kRoomCoeffs) / 2 : 0;
   quillheron::appendInt16s(table->mutable_coeff_16(), room, quillheron::kRoomCoeffs, taps);
-  if (locator != nullptr) locator->set_uuid(text, quillheron::kUuidTextLength);
+  if (locator != nullptr) locator->mutable_uuid()->assign(text, quillheron::kUuidTextLength);
 }
 
 void QuillHeron_v1_1_Pb::processRoomModels(_quillHeronPostmixApiCtrlCoeffs& record,

@@ -42,6 +42,25 @@ inline float SmootherK() {
 
 const int kRates[3] = {48000, 44100, 32000};
 
+// Centre (Hz) and Q of a band-pass or all-pass section from its denominator:
+// A2 = (alpha - 1) / (1 + alpha), A1 = 2 cos(w0) / (1 + alpha), and
+// alpha = sin(w0) / (2 Q).
+inline void CentreAndQ(const float* s, int rate, double* hz, double* q) {
+  const double a2 = s[4], a1 = s[3];
+  const double alpha = (1.0 + a2) / (1.0 - a2);
+  const double w0 = std::acos(a1 * (1.0 + alpha) / 2.0);
+  *hz = w0 * rate / (2.0 * 3.14159265358979323846);
+  *q = std::sin(w0) / (2.0 * alpha);
+}
+
+// Designs one record from one block, over a record full of a pattern (the
+// designer clears the record itself).
+inline int DesignOne(const quillDistprevNotchDesignBlock& blk, quillMBHLDistprevCoeff* rec) {
+  quillDistprevDesignHeader h;
+  memset(rec, 0x6B, sizeof(*rec));
+  return quill_distprev_config_designer(&h, rec, &blk, 1);
+}
+
 }  // namespace distprev_test
 
 #endif  // QUILLHERON_TESTS_DISTPREV_TEST_UTIL_H_

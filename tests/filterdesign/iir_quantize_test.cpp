@@ -84,45 +84,26 @@ constexpr WordCase kWords16[] = {
     {"large coefficient", {-3.5f, 1.0f, 0.0f, 0.0f, 0.0f}, 1.0f, {3, -28672, 8192, 0, 0, 0, 2, 16384}},
 };
 
-void Cascade(const WordCase& c, float* cascade) {
-  std::memcpy(cascade, c.section, sizeof c.section);
-  cascade[5] = c.gain;
-}
-
-TEST(IirQuantize, HandComputedWords32) {
-  for (const WordCase& c : kWords32) {
+// Quantises each case's one-section cascade at one width and compares all
+// eight words, and that the word after the gain record stays unwritten.
+template <typename Word, size_t N>
+void CheckWords(void (*quantize)(const float*, int, Word*), const WordCase (&cases)[N]) {
+  for (const WordCase& c : cases) {
     float cascade[6];
-    Cascade(c, cascade);
-    int32_t out[9];
+    std::memcpy(cascade, c.section, sizeof c.section);
+    cascade[5] = c.gain;
+    Word out[9];
     std::memset(out, 0x5A, sizeof out);
-    OVA_QuantizeIIR_Fxp32(cascade, 1, out);
+    quantize(cascade, 1, out);
     for (int i = 0; i < 8; ++i) EXPECT_EQ(c.words[i], out[i]) << c.what << " word " << i;
-    EXPECT_EQ(0x5A5A5A5A, out[8]) << c.what;
+    EXPECT_EQ(static_cast<Word>(0x5A5A5A5A), out[8]) << c.what;
   }
 }
 
-TEST(IirQuantize, HandComputedWords24) {
-  for (const WordCase& c : kWords24) {
-    float cascade[6];
-    Cascade(c, cascade);
-    int32_t out[9];
-    std::memset(out, 0x5A, sizeof out);
-    OVA_QuantizeIIR_Fxp24(cascade, 1, out);
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(c.words[i], out[i]) << c.what << " word " << i;
-    EXPECT_EQ(0x5A5A5A5A, out[8]) << c.what;
-  }
-}
-
-TEST(IirQuantize, HandComputedWords16) {
-  for (const WordCase& c : kWords16) {
-    float cascade[6];
-    Cascade(c, cascade);
-    int16_t out[9];
-    std::memset(out, 0x5A, sizeof out);
-    OVA_QuantizeIIR_Fxp16(cascade, 1, out);
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(c.words[i], out[i]) << c.what << " word " << i;
-    EXPECT_EQ(0x5A5A, out[8]) << c.what;
-  }
+TEST(IirQuantize, HandComputedWordsAtEveryWidth) {
+  CheckWords<int32_t>(OVA_QuantizeIIR_Fxp32, kWords32);
+  CheckWords<int32_t>(OVA_QuantizeIIR_Fxp24, kWords24);
+  CheckWords<int16_t>(OVA_QuantizeIIR_Fxp16, kWords16);
 }
 
 TEST(IirQuantize, OrderSelectsSectionCountAndNonPositiveWritesNothing) {

@@ -41,6 +41,13 @@ void ReadFixedCascade(const Word* fixed, int sections, int width, float* out) {
   }
 }
 
+// |H| of the order-n Butterworth prototype after the bilinear transform, at
+// f for the corner fc (the high-pass inverts the prewarped ratio).
+inline double ButterworthMagnitude(bool lowpass, int n, double fc, double f, double fs) {
+  const double ratio = std::tan(kPi * f / fs) / std::tan(kPi * fc / fs);
+  return 1.0 / std::sqrt(1.0 + std::pow(lowpass ? ratio : 1.0 / ratio, 2.0 * n));
+}
+
 inline double Angle(double freq_hz, double sample_rate) { return 2.0 * kPi * freq_hz / sample_rate; }
 
 inline double Db(double magnitude) { return 20.0 * std::log10(magnitude); }

@@ -7,29 +7,17 @@
 #include <complex>
 #include <cstdint>
 
+#include "iir_test_response.h"
 #include "quillheron_filterdesign.h"
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
 double Mag(const float* s, double f, int rate) {
-  using C = std::complex<double>;
-  const C z1 = std::polar(1.0, -2.0 * kPi * f / rate), z2 = z1 * z1;
-  const double b0 = s[0], b1 = s[1], b2 = s[2], a1 = s[3], a2 = s[4];
-  return std::abs((b0 + b1 * z1 + b2 * z2) / (1.0 - a1 * z1 - a2 * z2));
+  return std::abs(qh_test::SectionResponse(s, qh_test::Angle(f, rate)));
 }
-
-// Bilinear second-order Butterworth: |H|^2 = 1 / (1 + r^4) with r the ratio
-// of the prewarped frequencies (inverted for the high-pass).
-double ButterLp(double f, double fc, int rate) {
-  const double r = std::tan(kPi * f / rate) / std::tan(kPi * fc / rate);
-  return 1.0 / std::sqrt(1.0 + r * r * r * r);
-}
-double ButterHp(double f, double fc, int rate) {
-  const double r = std::tan(kPi * fc / rate) / std::tan(kPi * f / rate);
-  return 1.0 / std::sqrt(1.0 + r * r * r * r);
-}
+// Bilinear second-order Butterworth: |H|^2 = 1 / (1 + r^4).
+double ButterLp(double f, double fc, int rate) { return qh_test::ButterworthMagnitude(true, 2, fc, f, rate); }
+double ButterHp(double f, double fc, int rate) { return qh_test::ButterworthMagnitude(false, 2, fc, f, rate); }
 
 struct Crossover {
   float freq;

@@ -8,17 +8,12 @@
 #include <cstring>
 #include <vector>
 
-#include "quillheron_filterdesign.h"
+#include "thumpx_test_util.h"
 
 namespace {
 
-struct Params {
-  int size;
-  float bass_ctrl, hp_ratio, ext_bass;
-  int rate;
-  float lp_ratio, pre_lp_freq, harm_hp_freq, clip_level;
-};
-constexpr Params kDefaults = {150, 0.3335f, 0.5f, 0.8f, 48000, 5.5f, 500.0f, 44.0f, 1.5f};
+using thumpx_test::kDefaults;
+using thumpx_test::Params;
 
 // Workspace large enough for any alignment, pre-filled with a pattern so the
 // float designer's untouched floats 24..26 hold a known value.
@@ -102,10 +97,7 @@ TEST(ThumpxFixed, GroupsQuantiseTheFloatDesign) {
                            {600, 0.0f, 1.0f, 1.0f, 32000, 9.0f, 1200.0f, 100.0f, 2.0f}};
   for (const Params& p : kCases) {
     float ref[QH_THUMPX_FLOAT_LENGTH] = {};
-    ASSERT_EQ(OVA_THUMPX_FilterDesignFloat(p.size, p.bass_ctrl, p.hp_ratio, p.ext_bass, p.rate,
-                                           ref, p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
-                                           p.clip_level, 0),
-              0);
+    ASSERT_EQ(thumpx_test::DesignFloat(p, ref), 0);
     for (int width : kWidths) {
       for (int misalign : {0, 3}) {  // the designer aligns the workspace itself
         SCOPED_TRACE(testing::Message() << "size " << p.size << " width " << width << " offset "
@@ -149,9 +141,7 @@ TEST(ThumpxFixed, SixteenBitRepairsOnlyTheTwoNamedSections) {
 
   // The wider forms keep the independently rounded b1 of the same sections.
   float ref[QH_THUMPX_FLOAT_LENGTH];
-  ASSERT_EQ(OVA_THUMPX_FilterDesignFloat(150, 0.3335f, 0.5f, 0.8f, 48000, ref, 5.5f, 500.0f,
-                                         44.0f, 1.5f, 0),
-            0);
+  ASSERT_EQ(thumpx_test::DesignFloat(kDefaults, ref), 0);
   for (int width : {32, 24}) {
     const std::vector<int64_t> w = DesignFxp(width, kDefaults, ws.At(0), &rc);
     EXPECT_EQ(w[6], RoundSat(std::ldexp(double{ref[4]}, width - static_cast<int>(w[4])), width));
@@ -213,6 +203,13 @@ const ParamCase kParamCases[] = {
      {100, 536870912, 268435456, 0, INT32_MIN, 1, 1},
      {100, 2097152, 1048576, 0, INT32_MIN, 1, 1},
      {100, 8192, 4096, 0, 0, 1, 1}},
+    {"unvalidated",
+     // Values no caller should send still give defined words: NaN becomes
+     // 0, the rest saturate (16 bits keep the low half of the 32-bit word).
+     {200, 0.5f, 0.5f, 0.5f, 48000, NAN, 1e12f, -1e12f, INFINITY},
+     {200, 1073741824, 1073741824, 1073741824, 0, INT32_MAX, INT32_MIN},
+     {200, 4194304, 4194304, 4194304, 0, INT32_MAX, INT32_MIN},
+     {200, 16384, 16384, 16384, 0, -1, 0}},
 };
 
 TEST(ThumpxFixed, TuningWordsPerWidth) {
@@ -226,26 +223,6 @@ TEST(ThumpxFixed, TuningWordsPerWidth) {
       const int64_t* expected = width == 32 ? c.words32 : width == 24 ? c.words24 : c.words16;
       for (int i = 0; i < 7; ++i) EXPECT_EQ(w[56 + i], expected[i]) << "word " << 56 + i;
     }
-  }
-}
-
-}  // namespace
-
-namespace {
-
-// Tuning values outside any sensible range are not validated; the words
-// they produce must still be defined: saturated, or 0 for not-a-number.
-TEST(ThumpxFixed, UnvalidatedTuningValuesSaturate) {
-  const Params p = {200, 0.5f, 0.5f, 0.5f, 48000, NAN, 1e12f, -1e12f, INFINITY};
-  for (int width : kWidths) {
-    SCOPED_TRACE(width);
-    Workspace ws;
-    int rc = -1;
-    const std::vector<int64_t> w = DesignFxp(width, p, ws.At(0), &rc);
-    ASSERT_EQ(rc, 0);
-    EXPECT_EQ(w[60], 0);
-    EXPECT_EQ(w[61], width == 16 ? -1 : 2147483647);  // 16 bits: low half of 0x7FFFFFFF
-    EXPECT_EQ(w[62], width == 16 ? 0 : INT32_MIN);
   }
 }
 

@@ -7,27 +7,17 @@
 #include <complex>
 #include <cstring>
 
-#include "quillheron_filterdesign.h"
+#include "iir_test_response.h"
+#include "thumpx_test_util.h"
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+using qh_test::kPi;
+using thumpx_test::kDefaults;
+using thumpx_test::Params;
 constexpr float kSentinel = 12345.0f;
 
-struct Params {
-  int size;
-  float bass_ctrl, hp_ratio, ext_bass;
-  int rate;
-  float lp_ratio, pre_lp_freq, harm_hp_freq, clip_level;
-};
-
-// The schema defaults with a mid-size speaker.
-constexpr Params kDefaults = {150, 0.3335f, 0.5f, 0.8f, 48000, 5.5f, 500.0f, 44.0f, 1.5f};
-
-int Design(const Params& p, float* out) {
-  return OVA_THUMPX_FilterDesignFloat(p.size, p.bass_ctrl, p.hp_ratio, p.ext_bass, p.rate, out,
-                                      p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq, p.clip_level, 0);
-}
+int Design(const Params& p, float* out) { return thumpx_test::DesignFloat(p, out); }
 
 void Fill(float* out) {
   for (int i = 0; i < QH_THUMPX_FLOAT_LENGTH; ++i) out[i] = kSentinel;
@@ -35,29 +25,15 @@ void Fill(float* out) {
 
 // |H| of one section at w radians per sample. Second-order: b0, b1, b2, A1,
 // A2; first-order: b0, b1, A1. A values are negated (added feedback).
-double Mag2nd(const float* s, double w) {
-  using C = std::complex<double>;
-  const C z1 = std::polar(1.0, -w), z2 = z1 * z1;
-  const double b0 = s[0], b1 = s[1], b2 = s[2], a1 = s[3], a2 = s[4];
-  return std::abs((b0 + b1 * z1 + b2 * z2) / (1.0 - a1 * z1 - a2 * z2));
-}
+double Mag2nd(const float* s, double w) { return std::abs(qh_test::SectionResponse(s, w)); }
 double Mag1st(const float* s, double w) {
   const std::complex<double> z1 = std::polar(1.0, -w);
   const double b0 = s[0], b1 = s[1], a1 = s[2];
   return std::abs((b0 + b1 * z1) / (1.0 - a1 * z1));
 }
-double W(double hz, int rate) { return 2.0 * kPi * hz / rate; }
-
-// Bilinear Butterworth magnitude of order n at f for corner fc (low-pass;
-// the high-pass swaps the ratio).
-double ButterLp(double f, double fc, int rate, int n) {
-  const double r = std::tan(kPi * f / rate) / std::tan(kPi * fc / rate);
-  return 1.0 / std::sqrt(1.0 + std::pow(r, 2 * n));
-}
-double ButterHp(double f, double fc, int rate, int n) {
-  const double r = std::tan(kPi * fc / rate) / std::tan(kPi * f / rate);
-  return 1.0 / std::sqrt(1.0 + std::pow(r, 2 * n));
-}
+double W(double hz, int rate) { return qh_test::Angle(hz, rate); }
+double ButterLp(double f, double fc, int rate, int n) { return qh_test::ButterworthMagnitude(true, n, fc, f, rate); }
+double ButterHp(double f, double fc, int rate, int n) { return qh_test::ButterworthMagnitude(false, n, fc, f, rate); }
 
 double EffectiveHz(int size) { return (0.7368902 + 0.00033211955 * size) * size; }
 

@@ -2,8 +2,10 @@
 // the first message, the partial write on a missing notch part, and the
 // design path through the notch design blocks.
 #include <gtest/gtest.h>
+#include <google/protobuf/text_format.h>
 
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "coef_test_support.h"
@@ -11,23 +13,15 @@
 
 namespace {
 
+using coeftest::expectWords;
 using coeftest::kPattern32;
 using coeftest::ramp;
 using coeftest::Record;
 using quill::pb::coef::MbhlDistPrevCoeff;
 using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::tech::MbhlNotchDesignParams;
 
 constexpr std::size_t kRec0 = 61772;
 constexpr std::size_t kRec1 = 63940;
-
-void expectWords(const Record& rec, std::size_t at, const std::vector<std::int32_t>& v, int capacity,
-                 const char* what) {
-  for (int i = 0; i < capacity; ++i) {
-    const std::uint32_t want = i < static_cast<int>(v.size()) ? static_cast<std::uint32_t>(v[i]) : kPattern32;
-    ASSERT_EQ(rec.u32(at + 4 * i), want) << what << " " << i;
-  }
-}
 
 void expectFloats(const Record& rec, std::size_t at, const std::vector<float>& v, int capacity, const char* what) {
   for (int i = 0; i < capacity; ++i) {
@@ -143,28 +137,6 @@ TEST(CoefDistprev, MissingParts) {
   }
 }
 
-// The block the designer is given, written out by hand.
-quillDistprevNotchDesignBlock block(std::int32_t mode, float thld, float sense, float attk_thld, float attk_ms,
-                                    float rel_ms, std::int32_t band_ct, float base_freq, float base_q,
-                                    float base_attn_max, std::int32_t spacing, std::int32_t width, float slope) {
-  quillDistprevNotchDesignBlock b;
-  std::memset(&b, 0, sizeof(b));
-  b.nf_mode = mode;
-  b.nf_thld = thld;
-  b.nf_sense = sense;
-  b.nf_attk_thld = attk_thld;
-  b.nf_attk_ms = attk_ms;
-  b.nf_rel_ms = rel_ms;
-  b.nf_band_ct = band_ct;
-  b.nf_base_freq = base_freq;
-  b.nf_base_q = base_q;
-  b.nf_base_attn_max = base_attn_max;
-  b.nf_spacing = spacing;
-  b.nf_width = width;
-  b.nf_slope = slope;
-  return b;
-}
-
 TEST(CoefDistprev, DesignPath) {
   struct Case {
     const char* name;
@@ -182,34 +154,21 @@ TEST(CoefDistprev, DesignPath) {
   for (const Case& c : kCases) {
     HeronSettings s;
     for (int i = 0; i < c.precomputed; ++i) s.mutable_postmix()->add_mbhl_dist_prev()->mutable_sense_config();
-    auto* d = s.mutable_designerparameters();
     // First design: only a few fields present; absent ones stay zero in the
     // block (their schema defaults do not count).
-    MbhlNotchDesignParams* p0 = d->add_mbhl_nf_design_params();
-    p0->set_nf_band_ct(3);
-    p0->set_nf_base_freq(200.0f);
-    p0->set_nf_attk_ms(5.0f);
-    MbhlNotchDesignParams* p1 = d->add_mbhl_nf_design_params();
-    p1->set_nf_mode(2);
-    p1->set_nf_thld(-10.5f);
-    p1->set_nf_sense(3.25f);
-    p1->set_nf_attk_thld(-6.0f);
-    p1->set_nf_attk_ms(10.0f);
-    p1->set_nf_rel_ms(100.0f);
-    p1->set_nf_band_ct(c.band_ct);
-    p1->set_nf_base_freq(150.0f);
-    p1->set_nf_base_q(5.0f);
-    p1->set_nf_base_attn_max(-12.0f);
-    p1->set_nf_spacing(1);
-    p1->set_nf_width(1);
-    p1->set_nf_slope(-3.0f);
-
+    ASSERT_TRUE(google::protobuf::TextFormat::ParseFromString(
+        "mbhl_nf_design_params { nf_band_ct: 3 nf_base_freq: 200 nf_attk_ms: 5 }"
+        "mbhl_nf_design_params { nf_mode: 2 nf_thld: -10.5 nf_sense: 3.25 nf_attk_thld: -6"
+        "  nf_attk_ms: 10 nf_rel_ms: 100 nf_band_ct: " + std::to_string(c.band_ct) +
+        "  nf_base_freq: 150 nf_base_q: 5 nf_base_attn_max: -12 nf_spacing: 1 nf_width: 1 nf_slope: -3 }",
+        s.mutable_designerparameters()));
     Record rec;
     ASSERT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *rec), 0) << c.name;
 
+    // The blocks the designer is given, field by field in record order.
     const quillDistprevNotchDesignBlock blocks[2] = {
-        block(0, 0, 0, 0, 5.0f, 0, 3, 200.0f, 0, 0, 0, 0, 0),
-        block(2, -10.5f, 3.25f, -6.0f, 10.0f, 100.0f, c.stored_band_ct, 150.0f, 5.0f, -12.0f, 1, 1, -3.0f)};
+        {0, 0, 0, 0, 5.0f, 0, 3, 200.0f, 0, 0, 0, 0, 0},
+        {2, -10.5f, 3.25f, -6.0f, 10.0f, 100.0f, c.stored_band_ct, 150.0f, 5.0f, -12.0f, 1, 1, -3.0f}};
     std::vector<quillMBHLDistprevCoeff> want(2);
     quillDistprevDesignHeader header;
     ASSERT_EQ(quill_distprev_config_designer(&header, want.data(), blocks, 2), 0);

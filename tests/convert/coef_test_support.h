@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -96,6 +97,27 @@ inline void setTable(CoefTable* t, int rate, const std::vector<std::int32_t>& c3
 
 // Low 16 bits of v, as the engine's int16 fields keep it.
 inline std::uint16_t low16(std::int32_t v) { return static_cast<std::uint16_t>(v & 0xFFFF); }
+
+// The int32 words at `at` are `values`, then the pattern up to `capacity`
+// words (no pattern check when capacity is below the value count).
+inline void expectWords(const Record& rec, std::size_t at, const std::vector<std::int32_t>& values,
+                        int capacity, const std::string& what) {
+  const int n = std::max(capacity, static_cast<int>(values.size()));
+  for (int i = 0; i < n; ++i) {
+    const std::uint32_t want = i < static_cast<int>(values.size()) ? static_cast<std::uint32_t>(values[i]) : kPattern32;
+    ASSERT_EQ(rec.u32(at + 4 * i), want) << what << " word " << i;
+  }
+}
+
+// The int16 fields at `at` hold the low halves of `values`, then the pattern.
+inline void expectHalves(const Record& rec, std::size_t at, const std::vector<std::int32_t>& values,
+                         int capacity, const std::string& what) {
+  const int n = std::max(capacity, static_cast<int>(values.size()));
+  for (int i = 0; i < n; ++i) {
+    const std::uint16_t want = i < static_cast<int>(values.size()) ? low16(values[i]) : kPattern16;
+    ASSERT_EQ(rec.u16(at + 2 * i), want) << what << " half " << i;
+  }
+}
 
 }  // namespace coeftest
 

@@ -3,6 +3,8 @@
 // copied by hand from the record layouts, absolute within each record.
 #include <gtest/gtest.h>
 
+#include <google/protobuf/text_format.h>
+
 #include <set>
 
 #include "QuillPbConvert_Heron_v1_1.h"
@@ -174,22 +176,14 @@ void expectPopulated(const Record& rec, const Row (&rows)[N],
   }
 }
 
+// Every row present with its value; `zero`: the record held zeros.
 template <std::size_t N>
-void expectConverted(const HeronSettings& s, const Row (&rows)[N]) {
+void expectConverted(const HeronSettings& s, const Row (&rows)[N], bool zero) {
   for (std::size_t k = 0; k < N; ++k) {
     bool present = false;
     const int32_t v = ctrltest::getByPath(s, rows[k].path, &present);
     EXPECT_TRUE(present) << rows[k].path;
-    EXPECT_EQ(v, convertedValue(k, rows[k].width)) << rows[k].path;
-  }
-}
-
-template <std::size_t N>
-void expectAllZeroAndPresent(const HeronSettings& s, const Row (&rows)[N]) {
-  for (const Row& r : rows) {
-    bool present = false;
-    EXPECT_EQ(ctrltest::getByPath(s, r.path, &present), 0) << r.path;
-    EXPECT_TRUE(present) << r.path;
+    EXPECT_EQ(v, zero ? 0 : convertedValue(k, rows[k].width)) << rows[k].path;
   }
 }
 
@@ -204,90 +198,77 @@ void writeNative(Record& rec, const Row (&rows)[N]) {
   }
 }
 
-TEST(CtrlOffsets, PostmixPopulatePutsEachFieldAtItsOffset) {
+// One message holds both records' fields: each populate reads its own only.
+TEST(CtrlOffsets, PopulatePutsEachFieldAtItsOffset) {
   HeronSettings s;
   for (std::size_t k = 0; k < std::size(kPostmixRows); ++k) {
     ctrltest::setByPath(&s, kPostmixRows[k].path, messageValue(k, kPostmixRows[k].width));
   }
-  _quillHeronPostmixApiCtrl rec;
-  ctrltest::fillPattern(rec);
-  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, rec), 0);
-  EXPECT_EQ(ctrltest::le16(&rec, 258), 0u);  // geq10b reserved word
-  expectPopulated(rec, kPostmixRows, {258, 259});
-}
-
-TEST(CtrlOffsets, PremixPopulatePutsEachFieldAtItsOffset) {
-  HeronSettings s;
   for (std::size_t k = 0; k < std::size(kPremixRows); ++k) {
     ctrltest::setByPath(&s, kPremixRows[k].path, messageValue(k, kPremixRows[k].width));
   }
-  _quillHeronPremixApiCtrl rec;
-  ctrltest::fillPattern(rec);
-  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, rec, true), 0);
-  expectPopulated(rec, kPremixRows, {});
-}
-
-TEST(CtrlOffsets, PostmixConvertReadsEachFieldFromItsOffset) {
-  _quillHeronPostmixApiCtrl rec;
-  ctrltest::fillPattern(rec);
-  writeNative(rec, kPostmixRows);
-  HeronSettings s;
-  QuillHeron_v1_1_Pb(48000).convert(rec, &s);
-  expectConverted(s, kPostmixRows);
-}
-
-TEST(CtrlOffsets, PremixConvertReadsEachFieldFromItsOffset) {
-  _quillHeronPremixApiCtrl rec;
-  ctrltest::fillPattern(rec);
-  writeNative(rec, kPremixRows);
-  HeronSettings s;
-  EXPECT_TRUE(QuillHeron_v1_1_Pb(48000).convert(rec, &s));
-  expectConverted(s, kPremixRows);
-}
-
-// Present-but-empty messages copy nothing: only the reserved word changes.
-TEST(CtrlOffsets, EmptyMessagesLeaveRecordsUntouched) {
-  HeronSettings s;
-  auto* pm = s.mutable_postmix();
-  pm->mutable_brio()->mutable_ova3d();
-  pm->mutable_brio()->mutable_vista();
-  pm->mutable_brio()->mutable_thumpx();
-  pm->mutable_geq10b();
-  pm->mutable_aeq();
-  pm->mutable_enhance2();
-  pm->mutable_lyra();
-  pm->mutable_mbhl();  // schema defaults must not reach the record
-  s.mutable_premix()->mutable_steady();
-  s.mutable_premix()->mutable_enhance2();
-
+  QuillHeron_v1_1_Pb conv(48000);
   _quillHeronPostmixApiCtrl post;
   ctrltest::fillPattern(post);
-  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, post), 0);
-  for (std::size_t i = 0; i < sizeof post; ++i) {
-    const unsigned char want = (i == 258 || i == 259) ? 0 : ctrltest::kPattern;
-    EXPECT_EQ(ctrltest::bytesOf(&post)[i], want) << "byte " << i;
-  }
-
+  EXPECT_EQ(conv.populate(s, post), 0);
+  EXPECT_EQ(ctrltest::le16(&post, 258), 0u);  // geq10b reserved word
+  expectPopulated(post, kPostmixRows, {258, 259});
   _quillHeronPremixApiCtrl pre;
   ctrltest::fillPattern(pre);
-  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, pre, false), 0);
-  for (std::size_t i = 0; i < sizeof pre; ++i) {
-    EXPECT_EQ(ctrltest::bytesOf(&pre)[i], ctrltest::kPattern) << "byte " << i;
-  }
+  EXPECT_EQ(conv.populate(s, pre, true), 0);
+  expectPopulated(pre, kPremixRows, {});
 }
 
 // Zero in the record still makes every bound field present.
-TEST(CtrlOffsets, ConvertFromZeroRecordSetsEveryFieldToZero) {
-  _quillHeronPostmixApiCtrl post;
-  ctrltest::fillPattern(post, 0);
-  _quillHeronPremixApiCtrl pre;
-  ctrltest::fillPattern(pre, 0);
-  HeronSettings s;
-  QuillHeron_v1_1_Pb conv(44100);
-  conv.convert(post, &s);
-  conv.convert(pre, &s);
-  expectAllZeroAndPresent(s, kPostmixRows);
-  expectAllZeroAndPresent(s, kPremixRows);
+TEST(CtrlOffsets, ConvertReadsEachFieldFromItsOffset) {
+  for (bool zero : {false, true}) {
+    SCOPED_TRACE(zero ? "zero record" : "values");
+    _quillHeronPostmixApiCtrl post;
+    _quillHeronPremixApiCtrl pre;
+    ctrltest::fillPattern(post, zero ? 0 : ctrltest::kPattern);
+    ctrltest::fillPattern(pre, zero ? 0 : ctrltest::kPattern);
+    if (!zero) {
+      writeNative(post, kPostmixRows);
+      writeNative(pre, kPremixRows);
+    }
+    HeronSettings s;
+    QuillHeron_v1_1_Pb conv(44100);
+    conv.convert(post, &s);
+    EXPECT_TRUE(conv.convert(pre, &s));
+    expectConverted(s, kPostmixRows, zero);
+    expectConverted(s, kPremixRows, zero);
+    EXPECT_FALSE(s.postmix().brio().has_thump());  // no native part
+  }
+}
+
+// Present-but-empty and absent messages copy nothing (schema defaults never
+// reach the records): only the geq10b reserved word is written, always 0.
+TEST(CtrlOffsets, EmptyMessagesLeaveRecordsUntouched) {
+  const char* kSettings[] = {
+      "postmix { brio { ova3d {} vista {} thumpx {} } geq10b {} aeq {} enhance2 {} lyra {} mbhl {} }"
+      "premix { steady {} enhance2 {} }",
+      "postmix { brio {} } premix {}",
+      "",
+  };
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const char* text : kSettings) {
+    SCOPED_TRACE(text);
+    HeronSettings s;
+    ASSERT_TRUE(google::protobuf::TextFormat::ParseFromString(text, &s));
+    _quillHeronPostmixApiCtrl post;
+    ctrltest::fillPattern(post);
+    EXPECT_EQ(conv.populate(s, post), 0);
+    for (std::size_t i = 0; i < sizeof post; ++i) {
+      const unsigned char want = (i == 258 || i == 259) ? 0 : ctrltest::kPattern;
+      ASSERT_EQ(ctrltest::bytesOf(&post)[i], want) << "byte " << i;
+    }
+    _quillHeronPremixApiCtrl pre;
+    ctrltest::fillPattern(pre);
+    EXPECT_EQ(conv.populate(s, pre, false), 0);
+    for (std::size_t i = 0; i < sizeof pre; ++i) {
+      ASSERT_EQ(ctrltest::bytesOf(&pre)[i], ctrltest::kPattern) << "byte " << i;
+    }
+  }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Postmix control record: the mode-slot permutation of the per-mode arrays,
 // bypass_mode in message order, the lyra_multi_ch rewrite, the Enhance2 result
-// kept to the end, and the clearing convert.
+// kept to the end, the clearing convert, and Lyra's four coefficients.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -14,6 +14,13 @@ using quill::pb::heron_v1_1::HeronSettings;
 using quill::pb::heron_v1_1::Postmix;
 
 constexpr uint32_t P = 0xA5A5A5A5u;
+
+template <class Block>
+void expectUntouched(const Block& b, std::size_t from, std::size_t to, const char* what) {
+  for (std::size_t i = from; i < to; ++i) {
+    EXPECT_EQ(ctrltest::bytesOf(&b)[i], ctrltest::kPattern) << what << " byte " << i;
+  }
+}
 
 // Per-mode arrays, by HeronModeOrder in the message; native slots are
 // Stereo, Front, Wide, Bypass, Multichannel, Downmix.
@@ -33,7 +40,7 @@ const ArrayCase kArrays[] = {
      &Postmix::aeq_enable},
 };
 
-TEST(CtrlPostmix, PerModeArraysArePermutedIntoEngineSlots) {
+TEST(CtrlPostmix, PerModeArraysArePermutedIntoEngineSlotsAndBack) {
   struct Case { std::vector<int> in; uint32_t want[6]; };
   const Case kCases[] = {
       {{10, 11, 12, 13, 14, 15}, {13, 11, 12, 14, 10, 15}},
@@ -61,22 +68,13 @@ TEST(CtrlPostmix, PerModeArraysArePermutedIntoEngineSlots) {
           EXPECT_EQ(ctrltest::le32(&rec, other.offset + 4 * slot), P);
         }
       }
+      // Convert reads the six slots back into mode order.
+      if (c.in.size() < 6) continue;
+      HeronSettings back;
+      conv.convert(rec, &back);
+      ASSERT_EQ((back.postmix().*a.size)(), 6) << a.name;
+      for (int mode = 0; mode < 6; ++mode) EXPECT_EQ((back.postmix().*a.get)(mode), 10 + mode) << a.name;
     }
-  }
-}
-
-TEST(CtrlPostmix, PerModeArraysConvertBackToModeOrder) {
-  QuillHeron_v1_1_Pb conv(48000);
-  for (const ArrayCase& a : kArrays) {
-    _quillHeronPostmixApiCtrl rec;
-    ctrltest::fillPattern(rec, 0);
-    const uint32_t slots[6] = {13, 11, 12, 14, 10, 15};
-    for (int i = 0; i < 6; ++i) ctrltest::putLe32(&rec, a.offset + 4 * i, slots[i]);
-    HeronSettings s;
-    conv.convert(rec, &s);
-    const Postmix& pm = s.postmix();
-    ASSERT_EQ((pm.*a.size)(), 6) << a.name;
-    for (int mode = 0; mode < 6; ++mode) EXPECT_EQ((pm.*a.get)(mode), 10 + mode) << a.name;
   }
 }
 
@@ -177,6 +175,47 @@ TEST(CtrlPostmix, ConvertClearsPostmixFirst) {
   EXPECT_EQ(pm.enhance2().ref_htest_size(), 7);
   EXPECT_TRUE(pm.has_brio() && pm.has_geq10b() && pm.has_aeq() && pm.has_mbhl());
   EXPECT_EQ(s.premix().stream_gain(), 2);
+}
+
+// super_stereo_coef is copied only when it holds exactly four values.
+TEST(CtrlBlocks, LyraCoefficientsNeedExactlyFour) {
+  struct Case { std::vector<int> coef; bool copied; };
+  const Case kCases[] = {
+      {{}, false}, {{1, 2, 3}, false}, {{1, 2, 3, 4}, true}, {{1, 2, 3, 4, 5}, false},
+  };
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const Case& c : kCases) {
+    HeronSettings s;
+    auto* lyra = s.mutable_postmix()->mutable_lyra();
+    lyra->set_bypass_hpeq(-5);
+    lyra->set_limiter(77);  // no native slot
+    for (int v : c.coef) lyra->add_super_stereo_coef(-v);
+    _quillLyraApiCtrl block;
+    ctrltest::fillPattern(block);
+    conv.populate(s, block);
+    EXPECT_EQ(ctrltest::le32(&block, 20), uint32_t(-5));
+    expectUntouched(block, 0, 20, "lyra");
+    if (c.copied) {
+      for (int i = 0; i < 4; ++i) EXPECT_EQ(ctrltest::le32(&block, 24 + 4 * i), uint32_t(-(i + 1)));
+    } else {
+      expectUntouched(block, 24, 40, "coefficients");
+    }
+  }
+}
+
+// Convert appends the four coefficients without clearing the list.
+TEST(CtrlBlocks, LyraConvertAppendsCoefficients) {
+  _quillLyraApiCtrl block;
+  ctrltest::fillPattern(block, 0);
+  for (int i = 0; i < 4; ++i) ctrltest::putLe32(&block, 24 + 4 * i, 40 + i);
+  HeronSettings s;
+  s.mutable_postmix()->mutable_lyra()->add_super_stereo_coef(9);
+  QuillHeron_v1_1_Pb(48000).convert(block, &s);
+  const auto& lyra = s.postmix().lyra();
+  ASSERT_EQ(lyra.super_stereo_coef_size(), 5);
+  EXPECT_EQ(lyra.super_stereo_coef(0), 9);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(lyra.super_stereo_coef(1 + i), 40 + i);
+  EXPECT_FALSE(lyra.has_limiter());
 }
 
 }  // namespace

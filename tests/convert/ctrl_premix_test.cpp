@@ -17,39 +17,29 @@ constexpr std::size_t kBypassMode = 124;  // premix record
 constexpr std::size_t kRefHtest = 60;     // enhance2 block
 constexpr std::size_t kHtest = 32;
 
-TEST(CtrlRoute, NullGuidIsTheBracedZeroIdentifier) {
-  EXPECT_EQ(nullGuid, "{00000000-0000-0000-0000-000000000000}");
-}
-
-TEST(CtrlRoute, LegacyOnlyEntryIsPassedOver) {
+// The first entry with current settings is used: legacy-only entries are
+// passed over, and a route without any fails with -1000 writing nothing.
+TEST(CtrlRoute, FirstCurrentSettingsAreUsed) {
   RouteConfiguration route;
   route.add_tech()->mutable_heron()->mutable_premix()->set_stream_gain(1);
   route.add_tech()->mutable_heron_v1_1()->mutable_premix()->set_stream_gain(222);
   route.add_tech()->mutable_heron_v1_1()->mutable_premix()->set_stream_gain(333);
   QuillHeron_v1_1_Pb conv(48000);
   ASSERT_EQ(conv.findHeronSettings(route), &route.tech(1).heron_v1_1());
-
   _quillHeronPremixApiCtrl rec;
   ctrltest::fillPattern(rec);
   EXPECT_EQ(conv.populate(route, rec, true), 0);
   EXPECT_EQ(ctrltest::le32(&rec, 120), 222u);
-}
 
-TEST(CtrlRoute, RouteWithoutCurrentSettingsFailsAndTouchesNothing) {
-  RouteConfiguration empty;
-  RouteConfiguration legacyOnly;
+  RouteConfiguration legacyOnly, empty;
   legacyOnly.add_tech()->mutable_heron()->mutable_premix()->set_stream_gain(5);
-  QuillHeron_v1_1_Pb conv(48000);
-  for (const RouteConfiguration* route : {&empty, &legacyOnly}) {
-    EXPECT_EQ(conv.findHeronSettings(*route), nullptr);
-    _quillHeronPremixApiCtrl rec;
+  for (const RouteConfiguration* r : {&legacyOnly, &empty}) {
+    EXPECT_EQ(conv.findHeronSettings(*r), nullptr);
     ctrltest::fillPattern(rec);
-    EXPECT_EQ(conv.populate(*route, rec, true), -1000);
-    for (std::size_t i = 0; i < sizeof rec; ++i) {
-      ASSERT_EQ(ctrltest::bytesOf(&rec)[i], ctrltest::kPattern);
-    }
+    EXPECT_EQ(conv.populate(*r, rec, true), -1000);
+    for (std::size_t i = 0; i < sizeof rec; ++i) ASSERT_EQ(ctrltest::bytesOf(&rec)[i], ctrltest::kPattern);
     int out[5] = {7, 7, 7, 7, 7};
-    EXPECT_EQ(conv.populate(*route, out[0], out[1], out[2], out[3], out[4], true), -1000);
+    EXPECT_EQ(conv.populate(*r, out[0], out[1], out[2], out[3], out[4], true), -1000);
     for (int v : out) EXPECT_EQ(v, 7);
   }
 }

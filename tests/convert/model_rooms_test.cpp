@@ -92,13 +92,15 @@ TEST(ModelRooms, CapacityAndTableFailures) {
   }
 }
 
-// Case-insensitive match, first model wins, braces never match.
+// Case-insensitive match, first model wins, braces never match; a found room
+// without a table for the rate reports -998.
 TEST(ModelRooms, ResolutionOrder) {
   listeningModel first, second;
   addRoom(&first, "aaaaaaaa-0000-0000-0000-00000000000a", 48000, {111});
   addRoom(&second, "aaaaaaaa-0000-0000-0000-00000000000A", 48000, {222});
   addRoom(&second, "bbbbbbbb-0000-0000-0000-00000000000b", 48000, {333});
   addRoom(&second, "bbbbbbbb-0000-0000-0000-00000000000b", 48000, {444});  // later duplicate
+  addRoom(&second, kRoomId, 44100, {555});  // found, but no table for the rate
   const QuillPb::ModelList models = {nullptr, &first, &second};
 
   struct Case {
@@ -112,6 +114,7 @@ TEST(ModelRooms, ResolutionOrder) {
       {"{aaaaaaaa-0000-0000-0000-00000000000a}", -999, -1},
       {"cccccccc-0000-0000-0000-00000000000c", -999, -1},
       {"", 1, -1},
+      {kRoomId, -998, -1},  // not "not found"
   };
   for (const Case& c : kCases) {
     std::vector<int> rec = buffer(12340);
@@ -121,14 +124,6 @@ TEST(ModelRooms, ResolutionOrder) {
   }
   std::vector<int> rec = buffer(12340);
   EXPECT_EQ(QuillPb::processRoomData(kRoomId, {}, rec.data(), 12340, 48000), -999);
-}
-
-// A found room with no table for the rate reports -998, not "not found".
-TEST(ModelRooms, FoundWithoutRate) {
-  listeningModel m;
-  addRoom(&m, kRoomId, 44100, {1});
-  std::vector<int> rec = buffer(12340);
-  EXPECT_EQ(QuillPb::processRoomData(kRoomId, {&m}, rec.data(), 12340, 48000), -998);
 }
 
 TEST(ModelRooms, RebuildFromRecord) {

@@ -1,18 +1,18 @@
 // The postmix driver end to end: a headphone route at 48000 Hz with rooms, a
 // headphone EQ, an acoustic EQ and every coefficient table, checked region by
-// region against bytes derived from the record layout; the design fallbacks;
-// and each failure code with what stays written.
+// region against bytes derived from the record layout; each failure code with
+// what stays written; and a full round trip through the reverse convert.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <vector>
 
-#include "coef_test_support.h"
-#include "quillheron_filterdesign.h"
-#include "routeconfiguration.pb.h"
+#include "postmix_scenario.h"
 
 namespace {
 
+using coeftest::expectHalves;
+using coeftest::expectWords;
 using coeftest::kPattern32;
 using coeftest::ramp;
 using coeftest::Record;
@@ -21,96 +21,7 @@ using quill::pb::heron_v1_1::HeronSettings;
 using quill::pb::heron_v1_1::Postmix;
 using quill::pb::hub::RouteConfiguration;
 using quill::pb::model::listeningModel;
-
-// Identifiers of the scenario.
-const char kWide[] = "11111111-2222-3333-4444-555555555555";
-const char kFront[] = "aaaaaaaa-0000-0000-0000-0000000000f1";
-const char kFront2[] = "aaaaaaaa-0000-0000-0000-0000000000f2";
-const char kMulti[] = "cccccccc-0000-0000-0000-000000000001";
-const char kHpeq[] = "dddddddd-0000-0000-0000-000000000001";
-const char kAeq[] = "eeeeeeee-0000-0000-0000-000000000001";
-
-void addRoom(listeningModel* m, const char* uuid, std::uint32_t mask, const std::vector<std::int32_t>& c16,
-             int rate = 48000) {
-  auto* r = m->add_rooms();
-  r->set_uuid(uuid);
-  r->set_channelmask(mask);
-  r->set_numpairs(2);
-  r->set_brirlength(static_cast<std::uint32_t>(c16.size()));
-  r->set_reverbgain(-3);
-  r->set_reverbcut(9000);
-  setTable(r->add_coefftables(), 44100, {}, {1, 1, 1});
-  setTable(r->add_coefftables(), rate, {}, c16);
-}
-
-// The caller's model: the wide and multichannel rooms, and a front room that
-// the embedded model also carries (the caller's copy must win).
-listeningModel callerModel() {
-  listeningModel m;
-  addRoom(&m, kWide, 0x3, ramp(6, -3));
-  addRoom(&m, "AAAAAAAA-0000-0000-0000-0000000000F1", 0x7, ramp(8, 100));
-  addRoom(&m, kMulti, 0x3F, ramp(4, 7000));
-  return m;
-}
-
-// Everything the driver loads, for a headphone route at 48000 Hz.
-HeronSettings fullSettings() {
-  HeronSettings s;
-  Postmix* pm = s.mutable_postmix();
-  for (int v : {10, 11, 12, 13, 14, 15}) pm->add_lyra_input_gain(v);
-  pm->mutable_brio()->set_enable(1);
-  pm->mutable_brio()->mutable_thumpx()->set_enable(1);
-  pm->mutable_brio()->mutable_thumpx()->set_speaker_size(12);
-  pm->mutable_mbhl()->set_enable(1);
-  pm->mutable_mbhl()->set_dist_prev_enable(1);
-
-  listeningModel* embedded = pm->mutable_model();
-  addRoom(embedded, kFront, 0x1, ramp(8, 900));  // shadowed by the caller's copy
-  addRoom(embedded, kFront2, 0x1, {-1, -2});     // loaded after it, over its start
-  auto* h = embedded->add_headphones();
-  h->set_uuid(kHpeq);
-  h->set_ihpirlength(2);
-  h->add_audio_route_info()->set_route(quill::pb::hub::AR_OUT_ATTACHED0);
-  setTable(h->add_coefftables(), 48000, {}, {5, 6, 1, 2, -1, -2});
-  auto* aeq = embedded->add_aeqs();
-  aeq->set_uuid(kAeq);
-  for (int b = 0; b < 2; ++b) {
-    auto* bank = aeq->add_coefficient_table();
-    if (b == 1) bank->set_iirorder(16);
-    setTable(bank->add_iircoefs(), 48000, ramp(3, 1000 * (b + 1)));
-  }
-
-  pm->add_wideroom()->set_uuid(kWide);
-  pm->add_multichroom()->set_uuid(kMulti);  // frontRoom left empty: the embedded rooms serve it
-  pm->add_hpeqcoef()->set_uuid("ffffffff-0000-0000-0000-000000000000");  // no such EQ: counts as none
-  pm->add_hpeqcoef()->set_uuid(kHpeq);
-  pm->add_aeqcoef()->set_uuid(kAeq);
-
-  pm->mutable_hpf_coef()->set_order(2);
-  setTable(pm->mutable_hpf_coef()->add_coeffs(), 48000, ramp(5, -2));
-  pm->mutable_brio_hpf_coef()->set_order(1);
-  setTable(pm->mutable_brio_hpf_coef()->add_hpf_coeffs(), 48000, {}, {-7, 7});
-  pm->mutable_brio_xover_coef()->set_order(2);
-  setTable(pm->mutable_brio_xover_coef()->add_lpf_coeffs(), 48000, {}, {1, 2});
-  setTable(pm->mutable_brio_xover_coef()->add_hpf_coeffs(), 48000, {}, {3, 4});
-  setTable(pm->mutable_thumpx_coef()->add_coeffs(), 48000, ramp(63, 500));
-  setTable(pm->mutable_mbhl_coef()->mutable_low_cross_coeffs(), 48000, ramp(12, 20));
-  setTable(pm->mutable_mbhl_coef()->mutable_mid_cross_coeffs(), 48000, ramp(12, 40));
-  for (int i = 0; i < 2; ++i) {
-    auto* d = pm->add_mbhl_dist_prev();
-    d->mutable_sense_config()->set_bandcount(6 + i);
-    d->mutable_notch_config()->set_mode(3 + i);
-  }
-  return s;
-}
-
-RouteConfiguration headphoneRoute(const HeronSettings& s) {
-  RouteConfiguration route;
-  route.set_route(quill::pb::hub::AR_OUT_ATTACHED0);
-  route.add_tech()->mutable_heron();  // legacy settings only: passed over
-  *route.add_tech()->mutable_heron_v1_1() = s;
-  return route;
-}
+using namespace postmixtest;  // the scenario: identifiers, models, settings
 
 void expectRoomHeader(const Record& rec, std::size_t at, std::uint8_t first_uuid_byte, std::uint32_t mask,
                       std::uint32_t brir, const char* what) {
@@ -123,16 +34,6 @@ void expectRoomHeader(const Record& rec, std::size_t at, std::uint8_t first_uuid
   EXPECT_EQ(rec.u32(at + 36), 9000u) << what;
 }
 
-void expectHalves(const Record& rec, std::size_t at, const std::vector<std::int32_t>& v, const char* what) {
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    EXPECT_EQ(rec.u16(at + 2 * i), coeftest::low16(v[i])) << what << " " << i;
-  }
-}
-
-void expectWords(const Record& rec, std::size_t at, const std::vector<std::int32_t>& v, const char* what) {
-  for (std::size_t i = 0; i < v.size(); ++i) EXPECT_EQ(rec.i32(at + 4 * i), v[i]) << what << " " << i;
-}
-
 TEST(PostmixDriver, FullHeadphoneRoute) {
   const HeronSettings s = fullSettings();
   const listeningModel caller = callerModel();
@@ -141,53 +42,46 @@ TEST(PostmixDriver, FullHeadphoneRoute) {
   ASSERT_EQ(conv.populate(headphoneRoute(s), *rec, true, {&caller}, 14), 0);
 
   // Control part ran: lyra_input_gain in the engine's slot order.
-  expectWords(rec, 24, {13, 11, 12, 14, 10, 15}, "lyra_input_gain");
+  expectWords(rec, 24, {13, 11, 12, 14, 10, 15}, 0, "lyra_input_gain");
 
   // Multichannel room from the caller's model.
   expectRoomHeader(rec, 488, 0xcc, 0x3F, 4, "multichannel");
-  expectHalves(rec, 528, ramp(4, 7000), "multichannel coeffs");
-  EXPECT_EQ(rec.u32(536), kPattern32);
+  expectHalves(rec, 528, ramp(4, 7000), 6, "multichannel coeffs");
   // Front: the caller's copy of the first embedded room, then the second
   // embedded room over its start.
   expectRoomHeader(rec, 33328, 0xaa, 0x1, 2, "front");
   EXPECT_EQ(rec.bytes()[33328 + 15], 0xf2);
-  expectHalves(rec, 33368, {-1, -2, 102, 103, 104, 105, 106, 107}, "front coeffs");
-  EXPECT_EQ(rec.u32(33384), kPattern32);
+  expectHalves(rec, 33368, {-1, -2, 102, 103, 104, 105, 106, 107}, 10, "front coeffs");
   // Wide room from the caller's model.
   expectRoomHeader(rec, 45668, 0x11, 0x3, 6, "wide");
-  expectHalves(rec, 45708, ramp(6, -3), "wide coeffs");
-  EXPECT_EQ(rec.u32(45720), kPattern32);
+  expectHalves(rec, 45708, ramp(6, -3), 8, "wide coeffs");
 
   // Headphone EQ.
   EXPECT_EQ(rec.bytes()[58008], 0xdd);
   EXPECT_EQ(rec.u32(58024), 48000u);
   EXPECT_EQ(rec.u32(58028), 2u);
-  expectHalves(rec, 58032, {5, 6, 1, 2, -1, -2}, "hpeq");
-  EXPECT_EQ(rec.u32(58044), kPattern32);
+  expectHalves(rec, 58032, {5, 6, 1, 2, -1, -2}, 8, "hpeq");
 
   // Output high-pass.
   EXPECT_EQ(rec.u32(58548), 2u);
-  expectWords(rec, 58552, ramp(5, -2), "hpf");
-  EXPECT_EQ(rec.u32(58572), kPattern32);
+  expectWords(rec, 58552, ramp(5, -2), 6, "hpf");
 
   // Acoustic EQ: cleared, FIR stages absent.
-  expectWords(rec, 58632, {24, -1, 1000, 1001, 1002, 0}, "aeq bank 0");
-  expectWords(rec, 59976, {16, -1, 2000, 2001, 2002, 0}, "aeq bank 1");
+  expectWords(rec, 58632, {24, -1, 1000, 1001, 1002, 0}, 0, "aeq bank 0");
+  expectWords(rec, 59976, {16, -1, 2000, 2001, 2002, 0}, 0, "aeq bank 1");
   EXPECT_EQ(rec.i32(61316), 0);
 
   // Brio high-pass and crossover.
   EXPECT_EQ(rec.u32(61320), 1u);
-  expectHalves(rec, 61324, {-7, 7}, "brio hpf");
-  EXPECT_EQ(rec.u32(61328), kPattern32);
+  expectHalves(rec, 61324, {-7, 7}, 4, "brio hpf");
   EXPECT_EQ(rec.u32(61364), 2u);
-  expectHalves(rec, 61368, {1, 2}, "xover lpf");
-  expectHalves(rec, 61396, {3, 4}, "xover hpf");
-  EXPECT_EQ(rec.u32(61372), kPattern32);
+  expectHalves(rec, 61368, {1, 2}, 14, "xover lpf");
+  expectHalves(rec, 61396, {3, 4}, 14, "xover hpf");
 
   // Bass enhancement, limiter crossovers, distortion prevention.
-  expectWords(rec, 61424, ramp(63, 500), "thumpx");
-  expectWords(rec, 61676, ramp(12, 20), "mbhl low");
-  expectWords(rec, 61724, ramp(12, 40), "mbhl mid");
+  expectWords(rec, 61424, ramp(63, 500), 0, "thumpx");
+  expectWords(rec, 61676, ramp(12, 20), 0, "mbhl low");
+  expectWords(rec, 61724, ramp(12, 40), 0, "mbhl mid");
   EXPECT_EQ(rec.i32(61772), 6);
   EXPECT_EQ(rec.i32(61772 + 1036), 3);
   EXPECT_EQ(rec.i32(63940), 7);
@@ -208,44 +102,8 @@ TEST(PostmixDriver, EmbeddedRoomsServeEveryEmptyList) {
   for (std::size_t at : {488u, 33328u, 45668u}) {
     EXPECT_EQ(rec.bytes()[at + 15], 0xf2) << at;
     expectRoomHeader(rec, at, 0xaa, 0x1, 2, "embedded");
-    expectHalves(rec, at + 40, {-1, -2, 102, 103, 104, 105, 106, 107}, "embedded coeffs");
+    expectHalves(rec, at + 40, {-1, -2, 102, 103, 104, 105, 106, 107}, 0, "embedded coeffs");
   }
-}
-
-TEST(PostmixDriver, DesignFallbacks) {
-  HeronSettings s = fullSettings();
-  Postmix* pm = s.mutable_postmix();
-  pm->mutable_thumpx_coef()->clear_coeffs();
-  auto* tp = pm->mutable_thumpx_coef()->mutable_filterdesignparams();
-  tp->set_sampling_rate(48000);
-  tp->set_custom_speaker_size(80);
-  pm->clear_mbhl_coef();
-  pm->clear_mbhl_dist_prev();
-  auto* d = s.mutable_designerparameters();
-  d->mutable_mbhl_design_params()->set_sampling_rate(48000);
-  d->mutable_mbhl_design_params()->set_custom_low_cross(250);
-  d->mutable_mbhl_design_params()->set_custom_mid_cross(4000);
-  for (int i = 0; i < 2; ++i) d->add_mbhl_nf_design_params()->set_nf_band_ct(2 + i);
-
-  Record rec;
-  QuillHeron_v1_1_Pb conv(48000);
-  const listeningModel caller = callerModel();
-  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, s, *rec, false, {&caller}, 14), 0);
-
-  std::int32_t thumpx[63];
-  alignas(8) unsigned char work[864] = {};
-  ASSERT_EQ(OVA_THUMPX_FilterDesignFxp32(80, 0.333499998f, 0.5f, 0.8f, 48000, thumpx, 5.5f, 500.0f, 44.0f, 1.5f,
-                                         0x3F800000, work),
-            0);
-  expectWords(rec, 61424, std::vector<std::int32_t>(thumpx, thumpx + 63), "designed thumpx");
-  std::int32_t low[12], mid[12];
-  ASSERT_EQ(QUILL_McDyn_FilterDesignFxp32(250.0f, 48000, low), 0);
-  ASSERT_EQ(QUILL_McDyn_FilterDesignFxp32(4000.0f, 48000, mid), 0);
-  expectWords(rec, 61676, std::vector<std::int32_t>(low, low + 12), "designed low");
-  expectWords(rec, 61724, std::vector<std::int32_t>(mid, mid + 12), "designed mid");
-  EXPECT_EQ(rec.i32(61772), 6);              // designed sense bank
-  EXPECT_EQ(rec.i32(61772 + 1048), 2);       // notch_band_count of design 0
-  EXPECT_EQ(rec.i32(63940 + 1048), 3);       // and of design 1
 }
 
 // Region start offsets, for the "what stays written" checks.
@@ -366,6 +224,33 @@ TEST(PostmixDriver, RouteLookup) {
   const listeningModel caller = callerModel();
   EXPECT_EQ(conv.populate(usb, *rec, false, {&caller}, 14), 0);
   EXPECT_TRUE(rec.untouched(kHpeqR, kHpfR));
+}
+
+// Populate, convert with rooms, populate again: the same record, except the
+// stereo-enhancer high-pass coefficients, which the rebuild puts where the
+// loader does not read them.
+TEST(PostmixDriver, FullRoundTrip) {
+  HeronSettings s = fullSettings();
+  for (int i = 0; i < 7; ++i) s.mutable_postmix()->mutable_enhance2()->add_ref_htest(i);
+  const listeningModel caller = callerModel();
+  QuillHeron_v1_1_Pb conv(48000);
+  Record first;
+  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, s, *first, false, {&caller}, 14), 0);
+  HeronSettings rebuilt;
+  conv.convert(*first, &rebuilt, true);
+  Record second;
+  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, rebuilt, *second, false, {}, 14), 0);
+
+  // The rebuilt rooms carry every capacity value: 6150 per side room fits
+  // exactly, 16400 for the multichannel room.
+  ASSERT_EQ(rebuilt.postmix().model().rooms_size(), 3);
+  EXPECT_EQ(rebuilt.postmix().model().rooms(0).coefftables(0).coeff_16_size(), 6150);
+  EXPECT_EQ(rebuilt.postmix().model().rooms(2).coefftables(0).coeff_16_size(), 16400);
+  for (std::size_t i = 0; i < coeftest::kRecordBytes; ++i) {
+    if (i >= 61324 && i < 61328) continue;  // brio high-pass coefficients -7, 7
+    ASSERT_EQ(first.bytes()[i], second.bytes()[i]) << "byte " << i;
+  }
+  EXPECT_TRUE(second.untouched(61324, 61364));
 }
 
 }  // namespace

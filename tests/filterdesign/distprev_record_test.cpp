@@ -30,21 +30,9 @@ TEST(DistprevRecord, DefaultBlockFieldByField) {
   EXPECT_EQ(r.notch_threshold_db, 0);
   EXPECT_EQ(r.notch_sensitivity_db, 0);
   EXPECT_EQ(r.notch_band_count, 0);
-  for (int b = 0; b < 6; ++b) {
-    EXPECT_EQ(r.notch_band_attenuation_max[b], 2147483647);  // 0 dB
-    EXPECT_EQ(r.notch_band_gain_scalars[b], 32767);
-    EXPECT_EQ(r.notch_band_sos_count[b], 0);
-  }
-  // Control rates 750, 689 and 500 Hz; level 0 dB; attack 200 ms, release 50.
-  const float k = SmootherK();
-  const float n[3] = {750.0f, 689.0f, 500.0f};
-  for (int i = 0; i < 3; ++i) {
-    SCOPED_TRACE(kRates[i]);
-    EXPECT_EQ(r.notch_smoothers[3 * i], 2147483647);
-    EXPECT_EQ(r.notch_smoothers[3 * i + 1], RefQ31(1.0f - std::exp(k / (n[i] * 200.0f))));
-    EXPECT_EQ(r.notch_smoothers[3 * i + 2], RefQ31(1.0f - std::exp(k / (n[i] * 50.0f))));
-  }
-  // 1 - exp(-999.99994 / 150000) is about 0.0066445.
+  for (int b = 0; b < 6; ++b) EXPECT_EQ(r.notch_band_sos_count[b], 0);
+  // Attenuations, gain scalars and smoothers: the "defaults" rows below; the
+  // first attack smoother, 1 - exp(-999.99994 / 150000), is about 0.0066445.
   EXPECT_NEAR(r.notch_smoothers[1] / 2147483647.0, 0.0066445, 1e-6);
   for (int i = 0; i < 144; ++i) EXPECT_EQ(r.notch_band_coeffs[i], 0) << i;
   for (int i = 0; i < 108; ++i) EXPECT_EQ(r.notch_band_coeffs_float32[i], 0.0f) << i;
@@ -138,6 +126,7 @@ const AttnCase kAttn[] = {
     {"fractionalBase", -12.7f, 0.0f, 1, {-12, 0, 0, 0, 0, 0}},
     {"noBands", -9.9f, -1.0f, 0, {-9, 0, 0, 0, 0, 0}},
     {"negativeCount", -9.0f, -1.0f, -4, {-9, 0, 0, 0, 0, 0}},
+    {"defaults", 0.0f, 0.0f, 0, {0, 0, 0, 0, 0, 0}},  // 0 dB: full scale and 32767
 };
 
 TEST(DistprevRecord, AttenuationsAndGainScalars) {
@@ -180,12 +169,14 @@ struct SmootherCase {
   float attk_thld, attk_ms, rel_ms;
 };
 const SmootherCase kSmoothers[] = {
+    {"defaults", 0.0f, 200.0f, 50.0f},  // level 0 dB: full scale
     {"fast", 6.0f, 10.0f, 1000.0f},
     {"slow", -3.0f, 2000.0f, 5.0f},
 };
 
 TEST(DistprevRecord, SmoothersPerRate) {
   const float k = SmootherK();
+  const float kControlRates[3] = {750.0f, 689.0f, 500.0f};  // 48000, 44100, 32000 over 64
   for (const SmootherCase& c : kSmoothers) {
     SCOPED_TRACE(c.name);
     quillDistprevNotchDesignBlock blk = DefaultBlock();
@@ -195,7 +186,7 @@ TEST(DistprevRecord, SmoothersPerRate) {
     quillMBHLDistprevCoeff r;
     DesignOne(blk, &r);
     for (int i = 0; i < 3; ++i) {
-      const float n = static_cast<float>(kRates[i] / 64);
+      const float n = kControlRates[i];
       EXPECT_EQ(r.notch_smoothers[3 * i], RefQ31(std::pow(10.0f, -(c.attk_thld * 0.05f))));
       EXPECT_EQ(r.notch_smoothers[3 * i + 1], RefQ31(1.0f - std::exp(k / (n * c.attk_ms))));
       EXPECT_EQ(r.notch_smoothers[3 * i + 2], RefQ31(1.0f - std::exp(k / (n * c.rel_ms))));

@@ -75,7 +75,17 @@ void SweepParametricEq(SweepSink& sink) {
       };
       int i = 0;
       for (const OVAParametriceqBandSpec& band : extra) {
-        DesignAll(sink, Fmt("fs=%g type=%g extra=%g", rate, type, i++), &band, 1, rate);
+        const std::string label = Fmt("fs=%g type=%g extra=%g", rate, type, i++);
+        DesignAll(sink, label, &band, 1, rate);
+        // The float design through the exported scaling pass, not-a-number
+        // and infinite coefficients included.
+        Scratch& s = SharedScratch();
+        const OVAParametriceqSpec spec = {1, &band, rate};
+        float* f = s.FloatOut();
+        if (OVA_ParametriceqDesignFloat(&spec, f) != 0) continue;
+        sink.Begin("peq scaled " + label);
+        OVA_ScaleCascadedTransposedDirectForm2IIR(f, 2, s.Work());
+        sink.F32s(f, 6);
       }
     }
 

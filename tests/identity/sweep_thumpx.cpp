@@ -18,6 +18,8 @@ const Tuning kTunings[] = {
     {0.5f, 0.04f, 0.0f, 9.0f, 1200.0f, 80.0f, 1.005f},  // bypassed high-pass, narrow peaks
     {0.9f, 0.2f, 0.5f, 5.5f, 500.0f, 44.0f, 3.0f},      // boost above 1.818
     {0.2f, 0.7f, 0.3f, 2.0f, 150.0f, 30.0f, 0.5f},      // level below 1.33
+    {0.3335f, 0.5f, 0.8f, 0.0f, 0.0f, 0.0f, 1.5f},      // zero corners: infinite cotangents
+    {0.6f, 0.5f, 0.8f, -2.0f, 30000.0f, 25000.0f, 1.5f}, // corners past the half rate
     {1.5f, 0.5f, 0.8f, 5.5f, 500.0f, 44.0f, 1.5f},      // rejected: bass_ctrl above 1
     {0.3f, 0.5f, -0.1f, 5.5f, 500.0f, 44.0f, 1.5f},     // rejected: ext_bass below 0
 };

@@ -120,17 +120,20 @@ QH_EXPORT void OVA_ConcatenateIIRs(const float* first, int first_order, const fl
  * blocks, then further blocks until the last section's output over one block
  * sums to at most 1.28e-10). Each section's numerator (b0, b1, b2) is scaled
  * by peak(s-1) / peak(s); the gain float is REPLACED by the last peak.
- * Safety cap for cascades that never decay: the pass stops adding blocks after
- * 2^20 decay blocks (2^27 samples), or as soon as a block's output sum is no
- * longer finite (a diverging cascade). It then finishes with the sums gathered
- * so far; the result for such a cascade is meaningless, but the call returns
- * (a cascade that neither decays nor diverges costs about 0.4 s per section).
- * No design worth playing reaches the cap: the slowest stable sections are
- * narrow low bands, and a q 20 band at 1 Hz at 192 kHz decays within about
- * 2*10^5 blocks, a q 100 band at 20 Hz within 5.5*10^4, a 20 Hz eighth-order
- * Butterworth within 10^3. Only a section whose poles lie within about
- * 2*10^-7 of the unit circle (a q 20 band below 1 Hz, or narrower still) is
- * measured short. With no sections nothing is touched.
+ * Safety caps, so that every call returns: a cascade whose poles all lie
+ * strictly inside the unit circle (every section |A2| < 1 and |A1| < 1 - A2)
+ * gets at most 2^18 decay blocks (2^25 samples, about 0.1 s per section);
+ * any other cascade (a pole on or outside the circle, a not-a-number
+ * coefficient) at most 2^10, and the pass also stops as soon as a block's
+ * output sum is no longer finite. A capped pass finishes with the sums
+ * gathered so far; the result for a cascade that does not decay is
+ * meaningless, but the call returns. No design worth playing reaches the
+ * stable cap: the slowest stable sections are narrow low bands, and a q 20
+ * band at 1 Hz at 192 kHz decays within about 2*10^5 blocks, a q 100 band at
+ * 20 Hz within 5.5*10^4, a 20 Hz eighth-order Butterworth within 10^3. Only a
+ * section whose poles lie within about 10^-6 of the unit circle (a q 20 band
+ * below 1 Hz at 192 kHz, or narrower still) is measured short. With no
+ * sections nothing is touched.
  * workspace: QH_ScaleWorkspaceFloats(section_count) floats, 4-byte aligned. */
 QH_EXPORT void ScaleCascadedTransposedDirectForm2IIR(float* cascade, int section_count,
                                                      float* workspace);

@@ -102,8 +102,11 @@ int QuillHeron_v1_1_Pb::PopulateMbhlDistPrevCoeff(const HeronSettings& settings,
   for (int i = 0; i < kDesignCount; ++i) {
     fillNotchDesignBlock(designer.mbhl_nf_design_params(i), blocks[i]);
     // The designer writes one slot per band; more than the records hold would
-    // run past them, so the band count is cut at that capacity.
+    // run past them, so the band count is cut at that capacity. A negative
+    // count designs no band and is stored as 0, so that the engine never
+    // reads a negative band count.
     if (blocks[i].nf_band_ct > QUILL_DISTPREV_BAND_COUNT) blocks[i].nf_band_ct = QUILL_DISTPREV_BAND_COUNT;
+    if (blocks[i].nf_band_ct < 0) blocks[i].nf_band_ct = 0;
   }
   quillDistprevDesignHeader header = {};
   const int32_t designed = quill_distprev_config_designer(&header, record.dist_prev, blocks, kDesignCount);

@@ -85,3 +85,61 @@ bench-ir: bench-build
 
 bench-check: bench-ir
 	$(BENCH_BIN) --check --ir-in build/bench_ir.tsv
+
+# Sanitizer lane: the library, the tool and the whole test suite built with
+# AddressSanitizer and UBSan in build-san/ and run there; then the threading
+# test alone built with ThreadSanitizer in build-tsan/ and run.
+SAN_DIR ?= build-san
+TSAN_DIR ?= build-tsan
+SAN_FLAGS = -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer
+TSAN_FLAGS = -fsanitize=thread -fno-omit-frame-pointer
+SAN_ENV = ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+
+.PHONY: test-san fuzz
+
+test-san: deps
+	@if [ ! -f $(SAN_DIR)/build.ninja ]; then \
+	  cmake -S . -B $(SAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    "-DCMAKE_C_FLAGS=$(SAN_FLAGS)" "-DCMAKE_CXX_FLAGS=$(SAN_FLAGS)"; \
+	fi
+	cmake --build $(SAN_DIR) -j$(JOBS)
+	$(SAN_ENV) ctest --test-dir $(SAN_DIR) --output-on-failure -j$(JOBS)
+	@if [ ! -f $(TSAN_DIR)/build.ninja ]; then \
+	  cmake -S . -B $(TSAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQH_BUILD_TOOLS=OFF \
+	    "-DCMAKE_C_FLAGS=$(TSAN_FLAGS)" "-DCMAKE_CXX_FLAGS=$(TSAN_FLAGS)"; \
+	fi
+	cmake --build $(TSAN_DIR) -j$(JOBS) --target concurrency_test
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_DIR)/tests/concurrency_test
+
+# Fuzzing: every harness of fuzz/ for FUZZ_SECONDS seconds, one after the
+# other, with clang's libFuzzer, AddressSanitizer and UBSan, in build-fuzz/.
+# New corpus entries go to build-fuzz/corpus/<harness>, findings to
+# build-fuzz/artifacts/<harness>/; any finding fails the target. A run never
+# writes into fuzz/. See fuzz/README.md for long campaigns and replays.
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_HARNESSES = route records designers
+FUZZ_CFLAGS = -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+FUZZ_ARGS = -timeout=300 -rss_limit_mb=2560 -print_final_stats=1
+
+fuzz:
+	@scripts/install-deps.sh clang libclang-rt-14-dev
+	@if [ ! -f $(FUZZ_DIR)/build.ninja ]; then \
+	  CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DQH_BUILD_FUZZ=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF \
+	    "-DCMAKE_C_FLAGS=$(FUZZ_CFLAGS)" "-DCMAKE_CXX_FLAGS=$(FUZZ_CFLAGS)"; \
+	fi
+	cmake --build $(FUZZ_DIR) -j$(JOBS) $(addprefix --target fuzz_,$(FUZZ_HARNESSES))
+	@for h in $(FUZZ_HARNESSES); do \
+	  mkdir -p $(FUZZ_DIR)/corpus/$$h $(FUZZ_DIR)/artifacts/$$h; \
+	  seeds="fuzz/corpus/$$h"; \
+	  if [ -d fuzz/regressions/$$h ]; then seeds="$$seeds fuzz/regressions/$$h"; fi; \
+	  dict=""; if [ -f fuzz/$$h.dict ]; then dict="-dict=fuzz/$$h.dict"; fi; \
+	  echo "== fuzz_$$h for $(FUZZ_SECONDS) s"; \
+	  $(FUZZ_DIR)/fuzz/fuzz_$$h $(FUZZ_ARGS) $$dict -max_total_time=$(FUZZ_SECONDS) \
+	    -artifact_prefix=$(FUZZ_DIR)/artifacts/$$h/ $(FUZZ_DIR)/corpus/$$h $$seeds \
+	    > $(FUZZ_DIR)/artifacts/$$h.log 2>&1 \
+	    || { tail -n 60 $(FUZZ_DIR)/artifacts/$$h.log; echo "fuzz_$$h: finding, see $(FUZZ_DIR)/artifacts/$$h/"; exit 1; }; \
+	  grep -E '^(Done|stat::number_of_executed_units|stat::average_exec_per_sec)' $(FUZZ_DIR)/artifacts/$$h.log; \
+	  grep -E ' (pulse|DONE|INITED) ' $(FUZZ_DIR)/artifacts/$$h.log | tail -n 1; \
+	done

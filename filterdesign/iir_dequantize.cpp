@@ -36,10 +36,10 @@ void FixedToFloat(const Word* fixed, int order, float* out) {
   for (int s = 0; s < sections; ++s) {
     const Word* rec = fixed + 6 * s;
     const float inv = 1.0f / RecordDivisor(W, rec[0]);
-    for (int i = 0; i < 5; ++i) out[5 * s + i] = static_cast<float>(Reader::Value(rec[1 + i])) * inv;
+    for (int i = 0; i < 5; ++i) out[5 * s + i] = qh::fd::CanonicalNan(static_cast<float>(Reader::Value(rec[1 + i])) * inv);
   }
   const Word* gain = fixed + 6 * sections;
-  out[5 * sections] = static_cast<float>(Reader::Value(gain[1])) / RecordDivisor(W, gain[0]);
+  out[5 * sections] = qh::fd::CanonicalNan(static_cast<float>(Reader::Value(gain[1])) / RecordDivisor(W, gain[0]));
 }
 
 }  // namespace

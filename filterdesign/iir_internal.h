@@ -6,6 +6,7 @@
 #define QUILLHERON_FILTERDESIGN_IIR_INTERNAL_H_
 
 #include <cstdint>
+#include <limits>
 
 #include "iir_fxp_internal.h"
 #include "quillheron_filterdesign.h"
@@ -31,6 +32,15 @@ void ParametricEqBandDesign(const OVAParametriceqBandSpec* band, int sample_rate
 
 namespace qh {
 namespace fd {
+
+// A not-a-number coefficient is written as the one quiet NaN 0x7FC00000. An
+// invalid operation (0/0, inf - inf) yields a NaN whose sign bit depends on
+// the machine: set on x86-64 (SSE), clear on 32-bit Arm (VFP); records
+// designed on either must be the same bytes.
+inline float CanonicalNan(float v) { return v != v ? std::numeric_limits<float>::quiet_NaN() : v; }
+inline void CanonicalNans(float* v, int n) {
+  for (int i = 0; i < n; ++i) v[i] = CanonicalNan(v[i]);
+}
 
 // Single-precision pi used throughout the designers.
 constexpr float kPiF = 3.1415927f;

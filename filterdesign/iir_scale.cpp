@@ -176,10 +176,10 @@ void ApplyScaling(float* cascade, int sections, const float* peaks) {
   float prev = 1.0f;
   for (int s = 0; s < sections; ++s) {
     const float f = 1.0f / (peaks[s] / prev);
-    for (int i = 0; i < 3; ++i) cascade[5 * s + i] *= f;
+    for (int i = 0; i < 3; ++i) cascade[5 * s + i] = qh::fd::CanonicalNan(cascade[5 * s + i] * f);
     prev = peaks[s];
   }
-  cascade[5 * sections] = peaks[sections - 1];
+  cascade[5 * sections] = qh::fd::CanonicalNan(peaks[sections - 1]);
 }
 
 }  // namespace

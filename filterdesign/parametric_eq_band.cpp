@@ -41,11 +41,11 @@ BandTerms ComputeTerms(const OVAParametriceqBandSpec& band, int sample_rate) {
 }
 
 void Store(float* s, double b0, double b1, double b2, double A1, double A2) {
-  s[0] = static_cast<float>(b0);
-  s[1] = static_cast<float>(b1);
-  s[2] = static_cast<float>(b2);
-  s[3] = static_cast<float>(A1);
-  s[4] = static_cast<float>(A2);
+  s[0] = CanonicalNan(static_cast<float>(b0));
+  s[1] = CanonicalNan(static_cast<float>(b1));
+  s[2] = CanonicalNan(static_cast<float>(b2));
+  s[3] = CanonicalNan(static_cast<float>(A1));
+  s[4] = CanonicalNan(static_cast<float>(A2));
 }
 
 // Boost/cut peak; the bandwidth divides w0 by 3q, and min(L, 1) puts a cut's

@@ -265,6 +265,8 @@ extern "C" QH_EXPORT int OVA_THUMPX_FilterDesignFloat(int custom_speaker_size, f
   BassPeaks(v, custom_speaker_size, ext_bass, clip_level, sampling_rate, out);
   Shelf(v, custom_speaker_size, sampling_rate, out + kShelf);
 
+  qh::fd::CanonicalNans(out, 24);            // 24..26 are not written
+  qh::fd::CanonicalNans(out + 27, 45 - 27);
   out[kSize] = v.size;
   const float params[6] = {bass_ctrl, hp_ratio, ext_bass, lp_ratio, pre_lp_freq, harm_hp_freq};
   for (int i = 0; i < 6; ++i) out[kParams + i] = params[i];

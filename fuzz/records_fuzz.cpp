@@ -28,7 +28,7 @@ void fillFrom(std::uint8_t* dst, std::size_t bytes, const std::uint8_t* body, st
 enum Flags : std::uint8_t {
   kThumpxGate = 1,      // brio and thumpx enabled, speaker size 12
   kMbhlGate = 2,        // limiter and distortion prevention enabled
-  kRoomModels = 4,      // populate again with the room lists selected
+  kRoomModels = 4,      // populate again with the rebuilt room lists selected
   kSecondRate = 8,      // populate again at a second rate from the input
 };
 
@@ -64,13 +64,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   const QuillHeron_v1_1_Pb converter(rate);
-  qh_fuzz::convertAll(converter, *premix, *postmix, fader, fader);
+  QuillHeron_v1_1_Pb::HeronSettings rebuilt;
+  qh_fuzz::convertAll(converter, *premix, *postmix, fader, fader, &rebuilt);
 
   // Back again: the rebuilt message, with its embedded listening model, into
   // fresh records (at the converter's rate or a second one).
-  QuillHeron_v1_1_Pb::HeronSettings rebuilt;
-  converter.convert(*premix, &rebuilt);
-  converter.convert(*postmix, &rebuilt, (flags & kRoomModels) != 0);
   const QuillHeron_v1_1_Pb back((flags & kSecondRate) ? second_rate : rate);
   ExactRecord<_quillHeronPremixApiCtrl> premix_again;
   ExactRecord<_quillHeronPostmixApiCtrlCoeffs> postmix_again;

@@ -92,6 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                      postmix_fader.in_length, postmix_fader.state, false);
 
   loadModelEntries(in, models, route.route(), rate);
-  qh_fuzz::convertAll(converter, *premix, *postmix, premix_fader, postmix_fader);
+  QuillHeron_v1_1_Pb::HeronSettings rebuilt;
+  qh_fuzz::convertAll(converter, *premix, *postmix, premix_fader, postmix_fader, &rebuilt);
   return 0;
 }

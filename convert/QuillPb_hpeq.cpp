@@ -24,7 +24,6 @@ constexpr std::size_t kHpeqCoeffs = kQuillHpeqHeaderBytes;
 // The engine's limit on taps per channel response.
 constexpr std::uint32_t kMaxIhpirLength = 128;
 
-const char kRebuiltName[] = "From Heron STU";
 
 // Copies `count` source values from `from` to destination index `to`,
 // skipping source indices past the list and destination slots past the

@@ -13,6 +13,9 @@ namespace quillheron {
 constexpr unsigned int kUuidBytes = 16;
 constexpr std::size_t kUuidTextLength = 36;
 
+// The name given to rooms and headphone EQs rebuilt from native records.
+inline constexpr char kRebuiltName[] = "From Heron STU";
+
 // Clears `out`, then parses hex digit pairs (high nibble first) from a text of
 // exactly 36 characters, skipping any non-hex character between pairs; a lone
 // hex digit stops parsing. True only when all 16 bytes were produced. Callers

@@ -25,7 +25,6 @@ constexpr std::size_t kRoomReverbGain = offsetof(_quillHpcLyraRmData, reverb_gai
 constexpr std::size_t kRoomReverbCut = offsetof(_quillHpcLyraRmData, reverb_cut);
 constexpr std::size_t kRoomCoeffs = kQuillRoomHeaderBytes;
 
-const char kRebuiltName[] = "From Heron STU";
 
 std::size_t roomBytes(std::size_t taps) { return kRoomCoeffs + 2 * taps; }
 

@@ -3,6 +3,7 @@
 // converter's rate, with every capacity element (trailing zeros included),
 // and marks rebuilt messages with the null identifier.
 #include <cstddef>
+#include <iterator>
 #include <type_traits>
 
 #include "QuillPbConvert_Heron_v1_1.h"
@@ -15,11 +16,6 @@ namespace quillheron {
 namespace {
 
 using quill::pb::coef::FilterBank;
-
-template <class T, std::size_t N>
-constexpr std::size_t countOf(const T (&)[N]) {
-  return N;
-}
 
 // A new table at `rate` in a list reached through `add`.
 template <class Msg>
@@ -39,8 +35,8 @@ struct AeqRow {
   std::size_t count;
 };
 
-constexpr std::size_t kIirCount = countOf(_quillAeqApiBankCoeff{}.iir_coeffs);
-constexpr std::size_t kFirCount = countOf(_quillAeqApiBankCoeff{}.fir_coeffs);
+constexpr std::size_t kIirCount = std::size(_quillAeqApiBankCoeff{}.iir_coeffs);
+constexpr std::size_t kFirCount = std::size(_quillAeqApiBankCoeff{}.fir_coeffs);
 
 const AeqRow kAeqRows[] = {
     {0, &FilterBank::set_iirorder, &FilterBank::add_iircoefs, offsetof(_quillAeqApiBankCoeff, iir_order),
@@ -83,14 +79,14 @@ void QuillHeron_v1_1_Pb::convert(const _quillBrioHpfApiCoeff& coeff, HeronSettin
   // Written to coeff_32 although the loader reads coeff_16: the engine's
   // contract is asymmetric here.
   CoefTable* table = addTable(hpf, &quill::pb::coef::BrioHpf::add_hpf_coeffs, sampleRate_);
-  appendInt16s(table->mutable_coeff_32(), &coeff, offsetof(_quillBrioHpfApiCoeff, coeffs), countOf(coeff.coeffs));
+  appendInt16s(table->mutable_coeff_32(), &coeff, offsetof(_quillBrioHpfApiCoeff, coeffs), std::size(coeff.coeffs));
 }
 
 void QuillHeron_v1_1_Pb::convert(const _quillTHUMPXApiCoeff& coeff, HeronSettings* settings) const {
   quill::pb::coef::Thumpx* thumpx = settings->mutable_postmix()->mutable_thumpx_coef();
   thumpx->set_uuid(nullGuid);
   CoefTable* table = addTable(thumpx, &quill::pb::coef::Thumpx::add_coeffs, sampleRate_);
-  appendInt32s(table->mutable_coeff_32(), &coeff, offsetof(_quillTHUMPXApiCoeff, coeffs), countOf(coeff.coeffs));
+  appendInt32s(table->mutable_coeff_32(), &coeff, offsetof(_quillTHUMPXApiCoeff, coeffs), std::size(coeff.coeffs));
 }
 
 void QuillHeron_v1_1_Pb::convert(const _quillBrioXoverApiCoeff& coeff, HeronSettings* settings) const {
@@ -101,10 +97,10 @@ void QuillHeron_v1_1_Pb::convert(const _quillBrioXoverApiCoeff& coeff, HeronSett
   // High-pass branch first, then low-pass.
   CoefTable* hpf = addTable(xover, &quill::pb::coef::BrioXover::add_hpf_coeffs, sampleRate_);
   appendInt16s(hpf->mutable_coeff_16(), &coeff, offsetof(_quillBrioXoverApiCoeff, hpf_coeffs),
-               countOf(coeff.hpf_coeffs));
+               std::size(coeff.hpf_coeffs));
   CoefTable* lpf = addTable(xover, &quill::pb::coef::BrioXover::add_lpf_coeffs, sampleRate_);
   appendInt16s(lpf->mutable_coeff_16(), &coeff, offsetof(_quillBrioXoverApiCoeff, lpf_coeffs),
-               countOf(coeff.lpf_coeffs));
+               std::size(coeff.lpf_coeffs));
 }
 
 void QuillHeron_v1_1_Pb::convert(const _quillHeronHpfApiCoeff& coeff, HeronSettings* settings) const {
@@ -113,7 +109,7 @@ void QuillHeron_v1_1_Pb::convert(const _quillHeronHpfApiCoeff& coeff, HeronSetti
   hpf->clear_cutoff();
   hpf->set_order(native::loadI32(&coeff, offsetof(_quillHeronHpfApiCoeff, order)));
   CoefTable* table = addTable(hpf, &quill::pb::coef::Hpf::add_coeffs, sampleRate_);
-  appendInt32s(table->mutable_coeff_32(), &coeff, offsetof(_quillHeronHpfApiCoeff, coeffs), countOf(coeff.coeffs));
+  appendInt32s(table->mutable_coeff_32(), &coeff, offsetof(_quillHeronHpfApiCoeff, coeffs), std::size(coeff.coeffs));
 }
 
 void QuillHeron_v1_1_Pb::convert(const _quillAeqApiCoeff& coeff, HeronSettings* settings) const {
@@ -145,7 +141,7 @@ void QuillHeron_v1_1_Pb::convert(const _quillMBHLApiCoeff& coeff, HeronSettings*
   for (const auto& crossover : crossovers) {
     crossover.table->Clear();
     crossover.table->set_samplerate(sampleRate_);
-    appendInt32s(crossover.table->mutable_coeff_32(), &coeff, crossover.offset, countOf(coeff.low_cross_coeffs));
+    appendInt32s(crossover.table->mutable_coeff_32(), &coeff, crossover.offset, std::size(coeff.low_cross_coeffs));
   }
 }
 

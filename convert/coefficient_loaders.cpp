@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 #include "QuillPbConvert_Heron_v1_1.h"
 #include "coefficient_io.h"
@@ -16,28 +17,23 @@ namespace {
 
 constexpr int kFail = QuillHeron_v1_1_Pb::kCoefficientFailure;
 
-template <class T, std::size_t N>
-constexpr std::size_t countOf(const T (&)[N]) {
-  return N;
-}
-
 // Record-relative byte offsets of the coefficient regions' fields.
 using Coeffs = _quillHeronPostmixApiCtrlCoeffs;
 constexpr std::size_t kHpfOrder = kQuillHpfCoeffOffset + offsetof(_quillHeronHpfApiCoeff, order);
 constexpr std::size_t kHpfCoeffs = kQuillHpfCoeffOffset + offsetof(_quillHeronHpfApiCoeff, coeffs);
-constexpr std::size_t kHpfCapacity = countOf(_quillHeronHpfApiCoeff{}.coeffs);
+constexpr std::size_t kHpfCapacity = std::size(_quillHeronHpfApiCoeff{}.coeffs);
 constexpr std::size_t kBrioHpfOrder = kQuillBrioHpfCoeffOffset + offsetof(_quillBrioHpfApiCoeff, order);
 constexpr std::size_t kBrioHpfCoeffs = kQuillBrioHpfCoeffOffset + offsetof(_quillBrioHpfApiCoeff, coeffs);
-constexpr std::size_t kBrioHpfCapacity = countOf(_quillBrioHpfApiCoeff{}.coeffs);
+constexpr std::size_t kBrioHpfCapacity = std::size(_quillBrioHpfApiCoeff{}.coeffs);
 constexpr std::size_t kXoverOrder = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, order);
 constexpr std::size_t kXoverLpf = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, lpf_coeffs);
 constexpr std::size_t kXoverHpf = kQuillBrioXoverCoeffOffset + offsetof(_quillBrioXoverApiCoeff, hpf_coeffs);
-constexpr std::size_t kXoverCapacity = countOf(_quillBrioXoverApiCoeff{}.lpf_coeffs);
+constexpr std::size_t kXoverCapacity = std::size(_quillBrioXoverApiCoeff{}.lpf_coeffs);
 constexpr std::size_t kThumpxCoeffs = kQuillThumpxCoeffOffset;
-constexpr std::size_t kThumpxCapacity = countOf(_quillTHUMPXApiCoeff{}.coeffs);
+constexpr std::size_t kThumpxCapacity = std::size(_quillTHUMPXApiCoeff{}.coeffs);
 constexpr std::size_t kMbhlLow = kQuillMbhlCoeffOffset + offsetof(_quillMBHLApiCoeff, low_cross_coeffs);
 constexpr std::size_t kMbhlMid = kQuillMbhlCoeffOffset + offsetof(_quillMBHLApiCoeff, mid_cross_coeffs);
-constexpr std::size_t kMbhlCapacity = countOf(_quillMBHLApiCoeff{}.low_cross_coeffs);
+constexpr std::size_t kMbhlCapacity = std::size(_quillMBHLApiCoeff{}.low_cross_coeffs);
 
 static_assert(kHpfCapacity == 20 && kBrioHpfCapacity == 20 && kXoverCapacity == 14 &&
                   kThumpxCapacity == 63 && kMbhlCapacity == 12,

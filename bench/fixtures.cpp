@@ -14,6 +14,7 @@
 
 #include "quillHeronCoeffRecords.h"
 #include "quillheron_filterdesign.h"
+#include "synthetic_settings.h"
 
 #ifndef QH_BENCH_EXAMPLES_DIR
 #error "QH_BENCH_EXAMPLES_DIR must name the examples directory"
@@ -67,46 +68,19 @@ std::unique_ptr<Coeffs> Populated(const Scenario& s, int* result) {
   return record;
 }
 
-// Deterministic values for the synthetic responses.
-class Noise {
- public:
-  double Next() {  // uniform in [-1, 1)
-    state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<double>(state_ >> 11) / 4503599627370496.0 - 1.0;
-  }
+using synthetic::AddTable;
+using synthetic::Noise;
 
- private:
-  std::uint64_t state_ = 0x5eed5eed5eedULL;
-};
-
-int Int16Of(double v) {
-  v = std::round(v * 32767.0);
-  return static_cast<int>(std::fmax(-32768.0, std::fmin(32767.0, v)));
-}
+int Int16Of(double v) { return synthetic::ToInt16(v); }
 
 constexpr int kLargeRates[] = {8000, 11025, 16000, 22050, 32000, 44100, 48000, 96000};
-
-CoefTable* AddTable(google::protobuf::RepeatedPtrField<CoefTable>* tables, int rate) {
-  CoefTable* t = tables->Add();
-  t->set_samplerate(rate);
-  return t;
-}
 
 void ButterworthTables(google::protobuf::RepeatedPtrField<CoefTable>* tables, float cutoff, int order,
                        int type, bool sixteen) {
   tables->Clear();
-  const int sections = QH_IirSectionCount(order);
-  std::vector<unsigned char> work(QH_IirDesignWorkspaceBytes(sections));
   for (int rate : kLargeRates) {
-    CoefTable* t = AddTable(tables, rate);
-    if (sixteen) {
-      std::vector<std::int16_t> w(QH_IirFixedLength(order));
-      if (OVA_IirFilterDesignFxp16(cutoff, order, rate, type, w.data(), work.data()) != 0) Fail("butterworth16");
-      for (std::int16_t v : w) t->add_coeff_16(v);
-    } else {
-      std::vector<std::int32_t> w(QH_IirFixedLength(order));
-      if (OVA_IirFilterDesignFxp32(cutoff, order, rate, type, w.data(), work.data()) != 0) Fail("butterworth32");
-      for (std::int32_t v : w) t->add_coeff_32(v);
+    if (synthetic::ButterworthTable(AddTable(tables, rate), rate, cutoff, order, type, sixteen) != 0) {
+      Fail("butterworth design");
     }
   }
 }

@@ -18,6 +18,7 @@
 #include "listeningmodel.pb.h"
 #include "quillheron_filterdesign.h"
 #include "routeconfiguration.pb.h"
+#include "synthetic_settings.h"
 
 namespace {
 
@@ -35,42 +36,10 @@ constexpr const char* kHeadphoneEq = "9a0e7d31-6c45-4f8a-b2d9-7e5f3c1a2b04";
 constexpr const char* kAeq = "c3d2e1f0-a9b8-4c7d-9e6f-5a4b3c2d1e05";
 constexpr const char* kModel = "0f9e8d7c-6b5a-4948-8776-655443322106";
 
-// A small deterministic generator, so the examples are the same every time.
-class Noise {
- public:
-  double Next() {  // uniform in [-1, 1)
-    state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<double>(state_ >> 11) / 4503599627370496.0 - 1.0;
-  }
-
- private:
-  uint64_t state_ = 0x5eed5eed5eedULL;
-};
-
-int16_t ToInt16(double v) {
-  v = std::round(v * 32767.0);
-  return static_cast<int16_t>(std::fmax(-32768.0, std::fmin(32767.0, v)));
-}
-
-CoefTable* AddTable(google::protobuf::RepeatedPtrField<CoefTable>* tables, int rate) {
-  CoefTable* t = tables->Add();
-  t->set_samplerate(rate);
-  return t;
-}
-
-void ButterworthTable(CoefTable* t, int rate, float cutoff, int order, int type, bool sixteen) {
-  const int sections = QH_IirSectionCount(order);
-  std::vector<unsigned char> workspace(QH_IirDesignWorkspaceBytes(sections));
-  if (sixteen) {
-    std::vector<int16_t> w(QH_IirFixedLength(order));
-    OVA_IirFilterDesignFxp16(cutoff, order, rate, type, w.data(), workspace.data());
-    for (int16_t v : w) t->add_coeff_16(v);
-  } else {
-    std::vector<int32_t> w(QH_IirFixedLength(order));
-    OVA_IirFilterDesignFxp32(cutoff, order, rate, type, w.data(), workspace.data());
-    for (int32_t v : w) t->add_coeff_32(v);
-  }
-}
+using synthetic::AddTable;
+using synthetic::ButterworthTable;
+using synthetic::Noise;
+using synthetic::ToInt16;
 
 // A binaural room response set: `pairs` ear pairs of `length` taps of
 // exponentially decaying noise with a direct-path impulse.

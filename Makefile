@@ -27,7 +27,7 @@ test: build
 # designers' and heron's outputs between armhf and this machine.
 .PHONY: test-arm
 test-arm:
-	@JOBS=$(JOBS) scripts/test-arm.sh
+	@JOBS=$(JOBS) HOST_BUILD_DIR=$(CURDIR)/$(BUILD_DIR) scripts/test-arm.sh
 
 HERON = $(BUILD_DIR)/bin/heron
 EXAMPLE_ROUTE = examples/headphone_route.txtpb

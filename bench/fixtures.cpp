@@ -150,9 +150,9 @@ void LargeAeq(listeningModel& model, const std::string& uuid) {
         bands[b] = {PEQ_BAND_TYPE_TRADITIONAL, static_cast<float>(kFreqs[b] * rate / 48000.0), 1.4f,
                     static_cast<float>(b % 3 - 1), 0};
       }
-      const OVAParametriceqSpec spec{12, bands, rate};
+      const OVAParametriceqSpec request{12, bands, rate};
       std::int32_t words[6 * 12 + 2];
-      if (OVA_ParametriceqDesignFxp32(&spec, words, work.data()) != 0) Fail("aeq design");
+      if (OVA_ParametriceqDesignFxp32(&request, words, work.data()) != 0) Fail("aeq design");
       CoefTable* t = AddTable(bank->mutable_iircoefs(), rate);
       for (std::int32_t w : words) t->add_coeff_32(w);
     }

@@ -166,13 +166,13 @@ void AddParametricEq(std::vector<Operation>& ops, const std::shared_ptr<Scratch>
       {PEQ_BAND_TYPE_NOTCH, 5000.0f, 10.0f, 0.0f, 0},      {PEQ_BAND_TYPE_TRADITIONAL, 12000.0f, 2.0f, 2.0f, 1}};
   for (int n : {1, 5, 10}) {
     const std::string base = "design/peq/" + std::to_string(n) + "bands/";
-    auto spec = std::make_shared<OVAParametriceqSpec>(OVAParametriceqSpec{n, kBands, kRate});
-    ops.push_back({base + "float", [x, spec] { return OVA_ParametriceqDesignFloat(spec.get(), x->f); }, true, 20});
+    auto request = std::make_shared<OVAParametriceqSpec>(OVAParametriceqSpec{n, kBands, kRate});
+    ops.push_back({base + "float", [x, request] { return OVA_ParametriceqDesignFloat(request.get(), x->f); }, true, 20});
     ops.push_back({base + "fxp32_noscale",
-                   [x, spec] { return OVA_ParametriceqDesignFxp32NoScale(spec.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp32", [x, spec] { return OVA_ParametriceqDesignFxp32(spec.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp24", [x, spec] { return OVA_ParametriceqDesignFxp24(spec.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp16", [x, spec] { return OVA_ParametriceqDesignFxp16(spec.get(), x->w16, x->work); }, true, 20});
+                   [x, request] { return OVA_ParametriceqDesignFxp32NoScale(request.get(), x->w32, x->work); }, true, 20});
+    ops.push_back({base + "fxp32", [x, request] { return OVA_ParametriceqDesignFxp32(request.get(), x->w32, x->work); }, true, 20});
+    ops.push_back({base + "fxp24", [x, request] { return OVA_ParametriceqDesignFxp24(request.get(), x->w32, x->work); }, true, 20});
+    ops.push_back({base + "fxp16", [x, request] { return OVA_ParametriceqDesignFxp16(request.get(), x->w16, x->work); }, true, 20});
   }
 }
 

@@ -12,34 +12,34 @@ constexpr int kMaxBands = 8;
 void DesignAll(SweepSink& sink, const std::string& label, const OVAParametriceqBandSpec* bands,
                int count, int rate) {
   Scratch& s = SharedScratch();
-  const OVAParametriceqSpec spec = {count, bands, rate};
+  const OVAParametriceqSpec request = {count, bands, rate};
   const int floats = 5 * (count > 0 ? count : 0) + 1;
   const int words = 6 * (count > 0 ? count : 0) + 2;
 
   sink.Begin("peq float " + label);
   float* f = s.FloatOut();
-  sink.I32(OVA_ParametriceqDesignFloat(&spec, f));
+  sink.I32(OVA_ParametriceqDesignFloat(&request, f));
   sink.F32s(f, floats);
 
   sink.Begin("peq fxp32 noscale " + label);
   int32_t* w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp32NoScale(&spec, w, s.Work()));
+  sink.I32(OVA_ParametriceqDesignFxp32NoScale(&request, w, s.Work()));
   sink.I32s(w, words);
   if (count <= 0) return;  // the scaled designers leave band_count 0 open
 
   sink.Begin("peq fxp32 " + label);
   w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp32(&spec, w, s.Work()));
+  sink.I32(OVA_ParametriceqDesignFxp32(&request, w, s.Work()));
   sink.I32s(w, words);
 
   sink.Begin("peq fxp24 " + label);
   w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp24(&spec, w, s.Work()));
+  sink.I32(OVA_ParametriceqDesignFxp24(&request, w, s.Work()));
   sink.I32s(w, words);
 
   sink.Begin("peq fxp16 " + label);
   int16_t* h = s.I16Out();
-  sink.I32(OVA_ParametriceqDesignFxp16(&spec, h, s.Work()));
+  sink.I32(OVA_ParametriceqDesignFxp16(&request, h, s.Work()));
   sink.I16s(h, words);
 }
 
@@ -80,9 +80,9 @@ void SweepParametricEq(SweepSink& sink) {
         // The float design through the exported scaling pass, not-a-number
         // and infinite coefficients included.
         Scratch& s = SharedScratch();
-        const OVAParametriceqSpec spec = {1, &band, rate};
+        const OVAParametriceqSpec request = {1, &band, rate};
         float* f = s.FloatOut();
-        if (OVA_ParametriceqDesignFloat(&spec, f) != 0) continue;
+        if (OVA_ParametriceqDesignFloat(&request, f) != 0) continue;
         sink.Begin("peq scaled " + label);
         OVA_ScaleCascadedTransposedDirectForm2IIR(f, 2, s.Work());
         sink.F32s(f, 6);

@@ -74,7 +74,8 @@ if [ -n "$cli_cases" ]; then
   chmod +x "$WRAP"
   cli_pass=0 cli_fail=0
   for c in $cli_cases; do
-    if "$ROOT/tests/tool/heron_cli_test.sh" "$WRAP" "$ROOT" "$c" >"$ARM/heron_cli.$c.log" 2>&1; then
+    # heron_cli.<area>.<case> runs tests/tool/<area>_cli_test.sh <case>.
+    if "$ROOT/tests/tool/${c%%.*}_cli_test.sh" "$WRAP" "$ROOT" "${c#*.}" >"$ARM/heron_cli.$c.log" 2>&1; then
       cli_pass=$((cli_pass + 1))
     else
       cli_fail=$((cli_fail + 1)); echo "heron_cli.$c FAILED:"; cat "$ARM/heron_cli.$c.log"

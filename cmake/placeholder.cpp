@@ -1,1 +1,0 @@
-// Stands in for an area of the library that has no sources yet.

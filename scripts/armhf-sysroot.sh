@@ -16,7 +16,7 @@ SYSROOT=${1:-$ROOT/build-arm/sysroot}
 STAMP=$SYSROOT/.complete
 TRIPLET=arm-linux-gnueabihf
 PACKAGES=(libprotobuf-dev:armhf libprotobuf32:armhf zlib1g-dev:armhf zlib1g:armhf
-          libgtest-dev:armhf libcli11-dev)
+          libgtest-dev:armhf libcli11-dev nlohmann-json3-dev)
 
 die() { echo "armhf-sysroot: $*" >&2; exit 1; }
 
@@ -41,6 +41,8 @@ check_protoc() {
   fi
 }
 
+# A sysroot made before a package joined the list is made again.
+if [ -f "$STAMP" ] && [ ! -f "$SYSROOT/usr/include/nlohmann/json.hpp" ]; then rm -f "$STAMP"; fi
 if [ -f "$STAMP" ]; then
   check_protoc
   exit 0

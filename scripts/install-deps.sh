@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs, only when one is missing.
 # Usage: scripts/install-deps.sh [extra-package ...]
 set -euo pipefail
-pkgs=(protobuf-compiler libprotobuf-dev cmake ninja-build g++ make libgtest-dev libcli11-dev "$@")
+pkgs=(protobuf-compiler libprotobuf-dev cmake ninja-build g++ make libgtest-dev libcli11-dev nlohmann-json3-dev "$@")
 missing=()
 for p in "${pkgs[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

@@ -8,7 +8,9 @@
 #include "QuillPbConvert_Heron_v1_1.h"
 #include "commands.h"
 #include "message_io.h"
+#include "option_checks.h"
 #include "quillHeronCoeffRecords.h"
+#include "routeconfiguration.pb.h"
 
 namespace heron_tool {
 namespace {
@@ -20,6 +22,8 @@ struct ConvertOptions {
   int rate = 48000;
   std::string output_format = "text";
   std::string output;
+  bool as_route = false;
+  std::string route = "AR_OUT_ATTACHED0";
 };
 
 struct FaderValues {
@@ -39,19 +43,23 @@ FaderValues ParseFader(const std::string& text, const char* option) {
       f.v[n] = std::stoi(item, &used);
       if (used != item.size()) throw std::invalid_argument(item);
     } catch (const std::exception&) {
-      throw ToolError{"", std::string(option) + " takes five integers S,O,H,I,ST, not '" + text + "'"};
+      throw ToolError{option, "takes five integers S,O,H,I,ST, not '" + text + "'"};
     }
     ++n;
   }
   if (n != 5 || in.rdbuf()->in_avail() > 0) {
-    throw ToolError{"", std::string(option) + " takes five integers S,O,H,I,ST, not '" + text + "'"};
+    throw ToolError{option, "takes five integers S,O,H,I,ST, not '" + text + "'"};
   }
   return f;
 }
 
 int RunConvert(const ConvertOptions& o) {
   const auto format = ParseFormatName(o.output_format);
-  if (!format) throw ToolError{"", "--output-format must be text, binary or json"};
+  if (!format) throw ToolError{"--output-format", "must be text, binary or json"};
+  quill::pb::hub::AudioRoute route_id{};
+  if (!quill::pb::hub::AudioRoute_Parse(o.route, &route_id)) {
+    throw ToolError{"--route", "'" + o.route + "' is not an AudioRoute name (AR_OUT_ATTACHED0, AR_OUT_USB, ...)"};
+  }
   std::optional<FaderValues> premix_fader, postmix_fader;
   if (!o.premix_fader.empty()) premix_fader = ParseFader(o.premix_fader, "--premix-fader");
   if (!o.postmix_fader.empty()) postmix_fader = ParseFader(o.postmix_fader, "--postmix-fader");
@@ -63,7 +71,7 @@ int RunConvert(const ConvertOptions& o) {
     std::memcpy(&premix, bytes.data(), bytes.size());
   }
   if (!o.postmix.empty()) {
-    const auto bytes = ReadRecordFile(o.postmix, sizeof(_quillHeronPostmixApiCtrlCoeffs), "postmix coefficient");
+    const auto bytes = ReadRecordFile(o.postmix, sizeof(_quillHeronPostmixApiCtrlCoeffs), "postmix");
     postmix = std::make_unique<_quillHeronPostmixApiCtrlCoeffs>();
     std::memcpy(postmix.get(), bytes.data(), bytes.size());
   }
@@ -80,7 +88,15 @@ int RunConvert(const ConvertOptions& o) {
     const int* v = postmix_fader->v;
     converter.convert(v[0], v[1], v[2], v[3], v[4], false, &settings);
   }
-  WriteOutput(o.output, SerializeMessage(settings, *format));
+  if (!o.as_route) {
+    WriteOutput(o.output, SerializeMessage(settings, *format));
+    return kExitOk;
+  }
+  // The rebuilt settings as a route that populate accepts as it is.
+  quill::pb::hub::RouteConfiguration route;
+  route.set_route(route_id);
+  *route.add_tech()->mutable_heron_v1_1() = std::move(settings);
+  WriteOutput(o.output, SerializeMessage(route, *format));
   return kExitOk;
 }
 
@@ -90,13 +106,18 @@ void RegisterConvert(CLI::App& app, Action& run) {
   auto o = std::make_shared<ConvertOptions>();
   CLI::App* sub = app.add_subcommand("convert", "Rebuild a quill.pb.heron_v1_1.HeronSettings from native records");
   sub->add_option("--premix", o->premix, "premix record file (156 bytes)");
-  sub->add_option("--postmix", o->postmix, "postmix coefficient record file (66108 bytes)");
+  sub->add_option("--postmix", o->postmix, "postmix record file (66108 bytes)");
   sub->add_flag("--with-room-models", o->with_room_models, "also rebuild the rooms into Postmix.model");
   sub->add_option("--premix-fader", o->premix_fader, "premix fader values S,O,H,I,ST");
   sub->add_option("--postmix-fader", o->postmix_fader, "postmix fader values S,O,H,I,ST");
-  sub->add_option("--rate", o->rate, "sample rate in Hz written into rebuilt tables")->capture_default_str();
+  sub->add_option("--rate", o->rate, "sample rate in Hz written into rebuilt tables")
+      ->capture_default_str()
+      ->check(PositiveRate());
   sub->add_option("--output-format", o->output_format, "text, binary or json")->capture_default_str();
   sub->add_option("-o,--output", o->output, "output file (default: standard output)");
+  sub->add_flag("--as-route", o->as_route,
+                "wrap the settings in a quill.pb.hub.RouteConfiguration that heron populate accepts");
+  sub->add_option("--route", o->route, "with --as-route: the AudioRoute of the route")->capture_default_str();
   sub->callback([o, &run] { run = [o] { return RunConvert(*o); }; });
 }
 

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "json_writer.h"
 #include "model_inputs.h"
+#include "option_checks.h"
 #include "populate_report.h"
 #include "quillHeronCoeffRecords.h"
 #include "result_codes.h"
@@ -70,6 +71,7 @@ int RunPopulate(const PopulateOptions& o) {
     std::memcpy(postmix.get(), bytes.data(), bytes.size());
   }
 
+  NoteIgnoredRoomBits(o.room_mask);
   const QuillHeron_v1_1_Pb converter(o.rate);
   const int premix_result = converter.populate(route, premix, true);
   const int postmix_result = converter.populate(route, *postmix, true, models.list(), o.room_mask);
@@ -81,8 +83,10 @@ int RunPopulate(const PopulateOptions& o) {
                                             postmix_fader.hold_length, postmix_fader.in_length,
                                             postmix_fader.state, false);
 
-  if (!o.premix_out.empty()) WriteFileAtomically(o.premix_out, &premix, sizeof premix);
-  if (!o.postmix_out.empty()) WriteFileAtomically(o.postmix_out, postmix.get(), sizeof *postmix);
+  OutputSet outputs;
+  if (!o.premix_out.empty()) outputs.Add(o.premix_out, &premix, sizeof premix);
+  if (!o.postmix_out.empty()) outputs.Add(o.postmix_out, postmix.get(), sizeof *postmix);
+  outputs.Commit();
 
   if (o.json) {
     JsonWriter j;
@@ -121,7 +125,7 @@ void RegisterPopulate(CLI::App& app, Action& run) {
   auto o = std::make_shared<PopulateOptions>();
   CLI::App* sub = app.add_subcommand("populate", "Fill the premix and postmix records from a RouteConfiguration");
   sub->add_option("ROUTE", o->route, "quill.pb.hub.RouteConfiguration file")->required();
-  sub->add_option("--rate", o->rate, "engine sample rate in Hz")->capture_default_str();
+  sub->add_option("--rate", o->rate, "engine sample rate in Hz")->capture_default_str()->check(PositiveRate());
   sub->add_option("--model", o->models, "quill.pb.model.listeningModel file (repeatable, searched in order)");
   sub->add_option("--room-mask", o->room_mask, "rooms to load: 2 wide, 4 front, 8 multichannel")->capture_default_str();
   sub->add_option("--premix-in", o->premix_in, "start the premix record (156 bytes) from this file");

@@ -10,6 +10,7 @@
 #include "QuillPb.h"
 #include "commands.h"
 #include "model_inputs.h"
+#include "option_checks.h"
 #include "quillHeronCoeffRecords.h"
 
 namespace heron_tool {
@@ -430,7 +431,7 @@ void RegisterValidate(CLI::App& app, Action& run) {
   auto o = std::make_shared<ValidateOptions>();
   CLI::App* sub = app.add_subcommand("validate", "Lint a route and its listening models before they ship");
   sub->add_option("ROUTE", o->route, "quill.pb.hub.RouteConfiguration file")->required();
-  sub->add_option("--rate", o->rate, "engine sample rate in Hz")->capture_default_str();
+  sub->add_option("--rate", o->rate, "engine sample rate in Hz")->capture_default_str()->check(PositiveRate());
   sub->add_option("--model", o->models, "quill.pb.model.listeningModel file (repeatable)");
   sub->add_option("--input-format", o->input_format, "binary, text or json (default: by extension)");
   sub->callback([o, &run] { run = [o] { return RunValidate(*o); }; });

@@ -18,6 +18,7 @@ void RegisterConvert(CLI::App& app, Action& run);
 void RegisterDump(CLI::App& app, Action& run);
 void RegisterDesign(CLI::App& app, Action& run);
 void RegisterValidate(CLI::App& app, Action& run);
+void RegisterFmt(CLI::App& app, Action& run);
 
 }  // namespace heron_tool
 

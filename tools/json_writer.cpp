@@ -83,6 +83,14 @@ JsonWriter& JsonWriter::Int(int64_t value) {
   return *this;
 }
 
+// A finite number as JSON readers take it for a float: "1" would read back as
+// an integer and "-0" as the integer 0, so both gain a ".0".
+static std::string WithDecimalPoint(const char* text) {
+  std::string s = text;
+  if (s.find_first_of(".e") == std::string::npos) s += ".0";
+  return s;
+}
+
 // JSON has no NaN or infinity; they are written as strings so the output
 // stays parseable and the value is still visible.
 static std::string NonFinite(double v) {
@@ -98,7 +106,7 @@ JsonWriter& JsonWriter::Float(float value) {
   }
   char buf[32];
   std::snprintf(buf, sizeof buf, "%.9g", static_cast<double>(value));
-  out_ += buf;
+  out_ += WithDecimalPoint(buf);
   return *this;
 }
 
@@ -110,7 +118,7 @@ JsonWriter& JsonWriter::Double(double value) {
   }
   char buf[40];
   std::snprintf(buf, sizeof buf, "%.17g", value);
-  out_ += buf;
+  out_ += WithDecimalPoint(buf);
   return *this;
 }
 

@@ -1,6 +1,7 @@
 // A small streaming JSON writer for the heron tool's machine-readable output.
 // Floats are printed with nine significant digits, so each reads back to the
-// same single-precision value.
+// same single-precision value, and always with a decimal point or an
+// exponent ("1.0", "-0.0"), so a reader takes them as floats.
 #ifndef QUILLHERON_TOOLS_JSON_WRITER_H_
 #define QUILLHERON_TOOLS_JSON_WRITER_H_
 

@@ -7,9 +7,12 @@
 #include <iostream>
 #include <sstream>
 
+#include <sys/stat.h>
+
 #include <google/protobuf/io/tokenizer.h>
 #include <google/protobuf/text_format.h>
 #include <google/protobuf/util/json_util.h>
+#include <nlohmann/json.hpp>
 
 namespace heron_tool {
 namespace {
@@ -33,6 +36,22 @@ class FirstErrorCollector : public google::protobuf::io::ErrorCollector {
  private:
   std::string first_;
 };
+
+std::string FirstLine(const std::string& s) { return s.substr(0, s.find('\n')); }
+
+// The position and reason of the first JSON syntax error, "" when there is none.
+std::string JsonSyntaxError(const std::string& bytes) {
+  try {
+    const nlohmann::json document = nlohmann::json::parse(bytes);
+    (void)document;
+  } catch (const nlohmann::json::parse_error& e) {
+    // "[json.exception.parse_error.101] parse error at line 3, column 43: ..."
+    const std::string what = e.what();
+    const size_t at = what.find(" at line ");
+    return at == std::string::npos ? what : what.substr(at + 4);
+  }
+  return "";
+}
 
 }  // namespace
 
@@ -66,6 +85,19 @@ MessageFormat FormatForInput(const std::string& path, std::optional<MessageForma
 }
 
 std::string ReadFileBytes(const std::string& path) {
+  if (path == "-") {
+    static bool stdin_read = false;
+    if (stdin_read) throw ToolError{path, "standard input can be read only once"};
+    stdin_read = true;
+    std::ostringstream buffer;
+    buffer << std::cin.rdbuf();
+    if (std::cin.bad()) throw ToolError{"<stdin>", "read failed"};
+    return buffer.str();
+  }
+  struct stat st;
+  if (::stat(path.c_str(), &st) != 0) throw ToolError{path, std::string("cannot open: ") + std::strerror(errno)};
+  if (S_ISDIR(st.st_mode)) throw ToolError{path, "is a directory, not a file"};
+  if (!S_ISREG(st.st_mode)) throw ToolError{path, "is not a regular file"};
   std::ifstream in(path, std::ios::binary);
   if (!in) throw ToolError{path, std::string("cannot open: ") + std::strerror(errno)};
   std::ostringstream buffer;
@@ -74,34 +106,44 @@ std::string ReadFileBytes(const std::string& path) {
   return buffer.str();
 }
 
-void ReadMessage(const std::string& path, std::optional<MessageFormat> forced,
-                 google::protobuf::Message* message) {
-  const MessageFormat format = FormatForInput(path, forced);
-  const std::string bytes = ReadFileBytes(path);
+bool ParseMessage(const std::string& bytes, MessageFormat format, google::protobuf::Message* message,
+                  std::string* reason) {
   const std::string type = message->GetDescriptor()->full_name();
   switch (format) {
     case MessageFormat::kBinary:
-      if (!message->ParseFromString(bytes)) {
-        throw ToolError{path, "not a valid binary " + type + " message"};
-      }
-      return;
+      if (message->ParseFromString(bytes)) return true;
+      *reason = "not a valid binary " + type + " message";
+      return false;
     case MessageFormat::kText: {
       google::protobuf::TextFormat::Parser parser;
       FirstErrorCollector errors;
       parser.RecordErrorsTo(&errors);
-      if (!parser.ParseFromString(bytes, message)) {
-        throw ToolError{path, "not a valid text " + type + " message: " + errors.first()};
-      }
-      return;
+      if (parser.ParseFromString(bytes, message)) return true;
+      *reason = "not a valid text " + type + " message: " + errors.first();
+      return false;
     }
     case MessageFormat::kJson: {
-      const auto status = google::protobuf::util::JsonStringToMessage(bytes, message);
-      if (!status.ok()) {
-        throw ToolError{path, "not a valid JSON " + type + " message: " + std::string(status.message())};
+      // protobuf's JSON parser reports a syntax error with a snippet but no
+      // position; a strict JSON parser finds the line and column first.
+      const std::string syntax = JsonSyntaxError(bytes);
+      if (!syntax.empty()) {
+        *reason = "not valid JSON: " + syntax;
+        return false;
       }
-      return;
+      const auto status = google::protobuf::util::JsonStringToMessage(bytes, message);
+      if (status.ok()) return true;
+      *reason = "not a valid JSON " + type + " message: " + FirstLine(std::string(status.message()));
+      return false;
     }
   }
+  return false;
+}
+
+void ReadMessage(const std::string& path, std::optional<MessageFormat> forced,
+                 google::protobuf::Message* message) {
+  const MessageFormat format = FormatForInput(path, forced);
+  std::string reason;
+  if (!ParseMessage(ReadFileBytes(path), format, message, &reason)) throw ToolError{path, reason};
 }
 
 std::string SerializeMessage(const google::protobuf::Message& message, MessageFormat format) {
@@ -110,9 +152,12 @@ std::string SerializeMessage(const google::protobuf::Message& message, MessageFo
     case MessageFormat::kBinary:
       message.SerializeToString(&out);
       break;
-    case MessageFormat::kText:
-      google::protobuf::TextFormat::PrintToString(message, &out);
+    case MessageFormat::kText: {
+      google::protobuf::TextFormat::Printer printer;
+      printer.SetUseShortRepeatedPrimitives(true);
+      printer.PrintToString(message, &out);
       break;
+    }
     case MessageFormat::kJson: {
       google::protobuf::util::JsonPrintOptions options;
       options.add_whitespace = true;
@@ -132,29 +177,6 @@ std::vector<uint8_t> ReadRecordFile(const std::string& path, size_t size, const 
                               " bytes, this file has " + std::to_string(bytes.size())};
   }
   return std::vector<uint8_t>(bytes.begin(), bytes.end());
-}
-
-void WriteFileAtomically(const std::string& path, const void* data, size_t size) {
-  const std::string tmp = path + ".tmp-heron";
-  std::FILE* f = std::fopen(tmp.c_str(), "wb");
-  if (!f) throw ToolError{path, std::string("cannot write: ") + std::strerror(errno), kExitWriteFailure};
-  const bool ok = std::fwrite(data, 1, size, f) == size;
-  const bool closed = std::fclose(f) == 0;
-  if (!ok || !closed || std::rename(tmp.c_str(), path.c_str()) != 0) {
-    const std::string reason = std::strerror(errno);
-    std::remove(tmp.c_str());
-    throw ToolError{path, "cannot write: " + reason, kExitWriteFailure};
-  }
-}
-
-void WriteOutput(const std::string& path, const std::string& data) {
-  if (path.empty() || path == "-") {
-    std::cout.write(data.data(), static_cast<std::streamsize>(data.size()));
-    std::cout.flush();
-    if (!std::cout) throw ToolError{"<stdout>", "write failed", kExitWriteFailure};
-    return;
-  }
-  WriteFileAtomically(path, data.data(), data.size());
 }
 
 }  // namespace heron_tool

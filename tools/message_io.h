@@ -40,23 +40,51 @@ const char* FormatName(MessageFormat format);
 // Throws ToolError when neither decides.
 MessageFormat FormatForInput(const std::string& path, std::optional<MessageFormat> forced);
 
-// Whole-file read; throws ToolError.
+// Whole-file read of a regular file, or of standard input for "-" (once per
+// run); anything else (a directory, a device, a pipe by name) is an input
+// error. Throws ToolError.
 std::string ReadFileBytes(const std::string& path);
 
-// Parses `path` into `message`; throws ToolError with the parser's reason.
+// Parses `path` into `message`; throws ToolError with the parser's reason
+// (text and JSON syntax errors with their line and column).
 void ReadMessage(const std::string& path, std::optional<MessageFormat> forced,
                  google::protobuf::Message* message);
+// The same from bytes already read; false (with `reason`) when they do not
+// parse, unknown fields included.
+bool ParseMessage(const std::string& bytes, MessageFormat format, google::protobuf::Message* message,
+                  std::string* reason);
 
-// Serialises in the given format (text and JSON end with a newline).
+// Serialises in the given format (text and JSON end with a newline; text
+// prints repeated numbers on one line, [a, b, c]).
 std::string SerializeMessage(const google::protobuf::Message& message, MessageFormat format);
 
 // Reads a record file that must be exactly `size` bytes; throws ToolError.
 std::vector<uint8_t> ReadRecordFile(const std::string& path, size_t size, const char* what);
 
-// Writes through a temporary file and a rename, so a failed write leaves no
-// partial output. Throws ToolError with status kExitWriteFailure.
-void WriteFileAtomically(const std::string& path, const void* data, size_t size);
+// The outputs of one run, written all or nothing. A regular file, or a path
+// that does not exist yet, is written to a temporary file beside it (beside
+// a symlink's target) and renamed over it only when every output of the set
+// has been written; a replaced file keeps its permission bits. Anything else
+// (a device, a pipe, "-" or "" for standard output) is written straight
+// through, after every temporary file. Commit throws ToolError with status
+// kExitWriteFailure naming the file, and then leaves no temporary behind and
+// nothing renamed.
+class OutputSet {
+ public:
+  void Add(const std::string& path, std::string data);
+  void Add(const std::string& path, const void* data, size_t size);
+  void Commit();
 
+ private:
+  struct Output {
+    std::string path;
+    std::string data;
+  };
+  std::vector<Output> outputs_;
+};
+
+// A set of one.
+void WriteFileAtomically(const std::string& path, const void* data, size_t size);
 // Writes to stdout when `path` is empty or "-".
 void WriteOutput(const std::string& path, const std::string& data);
 

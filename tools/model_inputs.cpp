@@ -12,7 +12,7 @@ std::vector<const quill::pb::model::listeningModel*> LoadedModels::list() const 
 std::optional<MessageFormat> InputFormatOption(const std::string& name) {
   if (name.empty()) return std::nullopt;
   auto format = ParseFormatName(name);
-  if (!format) throw ToolError{"", "--input-format must be binary, text or json, not '" + name + "'"};
+  if (!format) throw ToolError{"--input-format", "must be binary, text or json, not '" + name + "'"};
   return format;
 }
 

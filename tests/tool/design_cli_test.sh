@@ -7,7 +7,7 @@ design_json)
   expect 0 "$HERON" design butterworth --type low --cutoff 1000 --order 2 --format fxp32 --json --response
   contains "$T/out" '"design": "butterworth", "rate": 48000, "format": "fxp32", "result": 0, "output": \['
   contains "$T/out" '"sections": \[{"name": "section 0", "iwl": '
-  contains "$T/out" '"response": \[\[10, '
+  contains "$T/out" '"response": \[\[10\.0, '
   contains "$T/out" '"response_quantised": \[\['
   expect 0 "$HERON" design peq --band peaking,1000,2,6 --band 3,5000,0.7,0,1 --format fxp16 --json
   expect 0 "$HERON" design thumpx --speaker-size 100 --format fxp24 --json

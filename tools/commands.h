@@ -19,6 +19,7 @@ void RegisterDump(CLI::App& app, Action& run);
 void RegisterDesign(CLI::App& app, Action& run);
 void RegisterValidate(CLI::App& app, Action& run);
 void RegisterFmt(CLI::App& app, Action& run);
+void RegisterDiff(CLI::App& app, Action& run);
 
 }  // namespace heron_tool
 

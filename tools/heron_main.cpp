@@ -39,6 +39,7 @@ int main(int argc, char** argv) {
   heron_tool::RegisterDesign(app, run);
   heron_tool::RegisterValidate(app, run);
   heron_tool::RegisterFmt(app, run);
+  heron_tool::RegisterDiff(app, run);
 
   try {
     app.parse(argc, argv);

@@ -1,9 +1,11 @@
 // Distortion-prevention records: the exactly-two copy rule with counts from
 // the first message, the partial write on a missing notch part, and the
-// design path through the notch design blocks.
+// design path through the notch design blocks, its band count cut into 0..6.
+// Lists longer than an array: hostile_capacity_test.
 #include <gtest/gtest.h>
 #include <google/protobuf/text_format.h>
 
+#include <climits>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -60,11 +62,11 @@ HeronSettings twoDesigns() {
   na->set_mode(1);
   na->set_thresholddb(-20);
   na->set_sensitivitydb(3);  // bandCount absent: written as 0
-  fill(na->mutable_bandattenuationmax(), ramp(8, 10));  // cut at 6
+  fill(na->mutable_bandattenuationmax(), ramp(6, 10));
   fill(na->mutable_bandgainscalars(), ramp(2, 20));
   fill(na->mutable_bandsoscount(), ramp(6, 30));
   fill(na->mutable_smoothers(), ramp(9, 40));
-  fill(na->mutable_bandcoeffs(), ramp(150, 100));  // cut at 144
+  fill(na->mutable_bandcoeffs(), ramp(144, 100));
   fill(na->mutable_bandcoeffsfloat32(), std::vector<float>{0.5f});
   auto* nb = b->mutable_notch_config();
   nb->set_mode(2);
@@ -148,7 +150,10 @@ TEST(CoefDistprev, DesignPath) {
       {"no precomputed design", 0, 4, 4},
       {"one precomputed design", 1, 4, 4},
       {"three precomputed designs", 3, 6, 6},
-      {"band count cut at the record's six", 0, 9, 6},
+      {"band count 7 designed as 6", 0, 7, 6},
+      {"band count INT_MAX designed as 6", 0, INT_MAX, 6},
+      {"band count -1 designed as 0", 0, -1, 0},
+      {"band count INT_MIN designed as 0", 0, INT_MIN, 0},
   };
   QuillHeron_v1_1_Pb conv(48000);
   for (const Case& c : kCases) {

@@ -207,6 +207,10 @@ TEST(CtrlOffsets, PopulatePutsEachFieldAtItsOffset) {
   for (std::size_t k = 0; k < std::size(kPremixRows); ++k) {
     ctrltest::setByPath(&s, kPremixRows[k].path, messageValue(k, kPremixRows[k].width));
   }
+  // Fields without a native slot: written anywhere, they would show.
+  for (const char* path : {"premix.enhance2.limiter", "postmix.enhance2.limiter", "postmix.lyra.limiter"}) {
+    ctrltest::setByPath(&s, path, 0x5A5A5A5A);
+  }
   QuillHeron_v1_1_Pb conv(48000);
   _quillHeronPostmixApiCtrl post;
   ctrltest::fillPattern(post);

@@ -1,6 +1,5 @@
-// Postmix control record: the mode-slot permutation of the per-mode arrays,
-// bypass_mode in message order, the lyra_multi_ch rewrite, the Enhance2 result
-// kept to the end, the clearing convert, and Lyra's four coefficients.
+// Postmix control record: the lyra_multi_ch rewrite, the Enhance2 result kept
+// to the end, the clearing convert, and Lyra's four coefficients.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -20,79 +19,6 @@ void expectUntouched(const Block& b, std::size_t from, std::size_t to, const cha
   for (std::size_t i = from; i < to; ++i) {
     EXPECT_EQ(ctrltest::bytesOf(&b)[i], ctrltest::kPattern) << what << " byte " << i;
   }
-}
-
-// Per-mode arrays, by HeronModeOrder in the message; native slots are
-// Stereo, Front, Wide, Bypass, Multichannel, Downmix.
-struct ArrayCase {
-  const char* name;
-  std::size_t offset;
-  void (Postmix::*add)(int32_t);
-  int (Postmix::*size)() const;
-  int32_t (Postmix::*get)(int) const;
-};
-const ArrayCase kArrays[] = {
-    {"lyra_input_gain", 24, &Postmix::add_lyra_input_gain, &Postmix::lyra_input_gain_size,
-     &Postmix::lyra_input_gain},
-    {"bypass_hpeq", 48, &Postmix::add_bypass_hpeq, &Postmix::bypass_hpeq_size,
-     &Postmix::bypass_hpeq},
-    {"aeq_enable", 72, &Postmix::add_aeq_enable, &Postmix::aeq_enable_size,
-     &Postmix::aeq_enable},
-};
-
-TEST(CtrlPostmix, PerModeArraysArePermutedIntoEngineSlotsAndBack) {
-  struct Case { std::vector<int> in; uint32_t want[6]; };
-  const Case kCases[] = {
-      {{10, 11, 12, 13, 14, 15}, {13, 11, 12, 14, 10, 15}},
-      {{10, 11, 12, 13, 14, 15, 16, 17}, {13, 11, 12, 14, 10, 15}},  // cut at six
-      {{10, 11}, {P, 11, P, P, 10, P}},                              // Multichannel, Front
-      {{10, 11, 12, 13}, {13, 11, 12, P, 10, P}},
-  };
-  QuillHeron_v1_1_Pb conv(48000);
-  for (const ArrayCase& a : kArrays) {
-    for (const Case& c : kCases) {
-      HeronSettings s;
-      Postmix* pm = s.mutable_postmix();
-      for (int v : c.in) (pm->*a.add)(v);
-      _quillHeronPostmixApiCtrl rec;
-      ctrltest::fillPattern(rec);
-      EXPECT_EQ(conv.populate(s, rec), 0);
-      for (int slot = 0; slot < 6; ++slot) {
-        EXPECT_EQ(ctrltest::le32(&rec, a.offset + 4 * slot), c.want[slot])
-            << a.name << " n=" << c.in.size() << " slot " << slot;
-      }
-      // Neighbouring arrays untouched.
-      for (const ArrayCase& other : kArrays) {
-        if (&other == &a) continue;
-        for (int slot = 0; slot < 6; ++slot) {
-          EXPECT_EQ(ctrltest::le32(&rec, other.offset + 4 * slot), P);
-        }
-      }
-      // Convert reads the six slots back into mode order.
-      if (c.in.size() < 6) continue;
-      HeronSettings back;
-      conv.convert(rec, &back);
-      ASSERT_EQ((back.postmix().*a.size)(), 6) << a.name;
-      for (int mode = 0; mode < 6; ++mode) EXPECT_EQ((back.postmix().*a.get)(mode), 10 + mode) << a.name;
-    }
-  }
-}
-
-// bypass_mode is not permuted; at most five.
-TEST(CtrlPostmix, BypassModeInMessageOrder) {
-  HeronSettings s;
-  for (int v : {1, 2, 3, 4, 5, 6}) s.mutable_postmix()->add_bypass_mode(v);
-  _quillHeronPostmixApiCtrl rec;
-  ctrltest::fillPattern(rec);
-  QuillHeron_v1_1_Pb conv(48000);
-  EXPECT_EQ(conv.populate(s, rec), 0);
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(ctrltest::le32(&rec, 100 + 4 * i), uint32_t(i + 1));
-  EXPECT_EQ(ctrltest::le32(&rec, 120), P);
-
-  HeronSettings back;
-  conv.convert(rec, &back);
-  ASSERT_EQ(back.postmix().bypass_mode_size(), 5);
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(back.postmix().bypass_mode(i), i + 1);
 }
 
 // -1 in lyra_multi_ch is stored as 0, also when it came from the caller's

@@ -1,5 +1,5 @@
-// Converter entry and premix path: settings lookup in a route, faders,
-// bypass_mode cut and keep, the negative ref_htest rule, and repeated convert.
+// Converter entry and premix path: settings lookup in a route, faders, the
+// negative ref_htest rule, and repeated convert.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -82,29 +82,6 @@ TEST(CtrlFader, ConvertSetsAllFiveOfTheChosenFader) {
   EXPECT_EQ(f.state(), -2);
 }
 
-// bypass_mode: element i to slot i, at most five; slots past the count kept.
-TEST(CtrlPremix, BypassModeIsCutAtFiveAndKeepsUnfilledSlots) {
-  struct Case { std::vector<int> in; uint32_t want[5]; };
-  const uint32_t P = 0xA5A5A5A5u;
-  const Case kCases[] = {
-      {{1, 2, 3, 4, 5, 6, 7}, {1, 2, 3, 4, 5}},
-      {{-1, 8}, {0xFFFFFFFFu, 8, P, P, P}},
-      {{}, {P, P, P, P, P}},
-  };
-  for (const Case& c : kCases) {
-    HeronSettings s;
-    auto* premix = s.mutable_premix();
-    for (int v : c.in) premix->add_bypass_mode(v);
-    _quillHeronPremixApiCtrl rec;
-    ctrltest::fillPattern(rec);
-    EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(s, rec, false), 0);
-    for (int i = 0; i < 5; ++i) {
-      EXPECT_EQ(ctrltest::le32(&rec, kBypassMode + 4 * i), c.want[i]) << c.in.size() << " " << i;
-    }
-    EXPECT_EQ(ctrltest::le32(&rec, 144), P);  // the field after the array
-  }
-}
-
 // The first negative ref_htest is stored, copying stops, -997 is returned;
 // the premix populate still succeeds.
 TEST(CtrlEnhance2, NegativeRefHtestStopsTheCopy) {
@@ -114,7 +91,6 @@ TEST(CtrlEnhance2, NegativeRefHtestStopsTheCopy) {
       {{5, -1, 7}, -997, {5, 0xFFFFFFFFu, P, P, P, P, P}},
       {{5, 6, 7}, 0, {5, 6, 7, P, P, P, P}},
       {{-9}, -997, {0xFFFFFFF7u, P, P, P, P, P, P}},
-      {{1, 2, 3, 4, 5, 6, 7, -8}, 0, {1, 2, 3, 4, 5, 6, 7}},  // eighth never read
   };
   QuillHeron_v1_1_Pb conv(48000);
   for (const Case& c : kCases) {
@@ -135,21 +111,6 @@ TEST(CtrlEnhance2, NegativeRefHtestStopsTheCopy) {
     for (int i = 0; i < 7; ++i) {
       EXPECT_EQ(ctrltest::le32(&rec, 20 + kRefHtest + 4 * i), c.want[i]) << i;
     }
-  }
-}
-
-TEST(CtrlEnhance2, HtestIsCutAtSeven) {
-  Enhance2 e;
-  for (int v = 1; v <= 9; ++v) e.add_htest(-v);
-  e.set_limiter(12345);  // has no native slot
-  _quillEnhance2ApiCtrl block;
-  ctrltest::fillPattern(block);
-  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(e, block), 0);
-  for (int i = 0; i < 7; ++i) {
-    EXPECT_EQ(ctrltest::le32(&block, kHtest + 4 * i), uint32_t(-(i + 1)));
-  }
-  for (std::size_t off = 60; off < 96; ++off) {
-    EXPECT_EQ(ctrltest::bytesOf(&block)[off], ctrltest::kPattern) << off;
   }
 }
 

@@ -1,6 +1,7 @@
-// Helpers for the control-record tests: byte patterns, hand-written
-// little-endian reads/writes, and reflection access to a field by its dotted
-// path from HeronSettings (independent of the converter's binding tables).
+// Helpers for the control-record tests: byte patterns, little-endian writes
+// (reads and the pattern byte are the coefficient tests' own), and reflection
+// access to a field by its dotted path from HeronSettings (independent of the
+// converter's binding tables).
 #ifndef QUILLHERON_TESTS_CONVERT_CTRL_TEST_UTIL_H_
 #define QUILLHERON_TESTS_CONVERT_CTRL_TEST_UTIL_H_
 
@@ -13,11 +14,14 @@
 #include <google/protobuf/descriptor.h>
 #include <google/protobuf/message.h>
 
+#include "coef_test_support.h"
 #include "heron_v1_1.pb.h"
 
 namespace ctrltest {
 
-constexpr unsigned char kPattern = 0xA5;
+using coeftest::kPattern;
+using coeftest::le16;
+using coeftest::le32;
 
 // A record's bytes, viewed without the converter's helpers.
 template <class Record>
@@ -29,14 +33,6 @@ inline const unsigned char* bytesOf(const void* p) {
   return static_cast<const unsigned char*>(p);
 }
 
-inline uint32_t le32(const void* base, std::size_t off) {
-  const unsigned char* b = bytesOf(base) + off;
-  return uint32_t(b[0]) | uint32_t(b[1]) << 8 | uint32_t(b[2]) << 16 | uint32_t(b[3]) << 24;
-}
-inline uint16_t le16(const void* base, std::size_t off) {
-  const unsigned char* b = bytesOf(base) + off;
-  return uint16_t(b[0] | b[1] << 8);
-}
 inline void putLe32(void* base, std::size_t off, uint32_t v) {
   unsigned char* b = static_cast<unsigned char*>(base) + off;
   b[0] = v & 0xFF; b[1] = (v >> 8) & 0xFF; b[2] = (v >> 16) & 0xFF; b[3] = (v >> 24) & 0xFF;

@@ -49,58 +49,56 @@ TEST(ModelHpeq, RecordLayout) {
   EXPECT_EQ(QuillPb::sizeofHpeq(&h, 44100), 0u);
 }
 
-// Responses longer than 128 taps: ihpir_length reads 128 and each channel
-// keeps its first taps that fit the record.
-TEST(ModelHpeq, LongResponsesAreTruncated) {
+// Which source value lands in each record slot. Up to 128 stated taps the
+// list is copied as it stands; above, ihpir_length reads 128 and each channel
+// keeps its first `kept` taps, channel 2 starting at source index `ch2`.
+// Nothing is read past the list or written past the capacity.
+TEST(ModelHpeq, TruncationTable) {
   struct Case {
+    const char* name;
     std::uint32_t ihpir;
-    int per_channel;     // L: source holds 2 + 2L values
+    int values;  // coeff_16 holds 1, 2, 3, ...
     unsigned int capacity;
     std::uint32_t stored_ihpir;
-    int kept;            // taps per channel in the record
+    int kept;  // taps per channel; -1: plain copy
+    int ch2;
   };
   const Case kCases[] = {
-      {129, 129, 540, 128, 128},
-      {129, 129, 300, 128, 68},  // m = (150 - 14) / 2
-      {128, 128, 540, 128, 128},
+      {"129 taps each into 540 bytes", 129, 2 + 2 * 129, 540, 128, 128, 131},
+      {"129 taps each into 302 bytes", 129, 2 + 2 * 129, 302, 128, 68, 131},  // (151 - 14) / 2, one slot spare
+      {"129 stated, 50 taps each", 129, 2 + 2 * 50, 540, 128, 128, 52},      // (102 - 2) / 2 + 2
+      {"128 taps each", 128, 2 + 2 * 128, 540, 128, -1, 0},
+      {"128 stated, 400 values: stops at the record", 128, 400, 540, 128, -1, 0},
+      {"64 stated, 10 values", 64, 10, 540, 64, -1, 0},
+      {"region ends inside a tap", 2, 6, 29, 2, -1, 0},
   };
   for (const Case& c : kCases) {
+    SCOPED_TRACE(c.name);
     headphoneEq h;
     h.set_uuid(kId);
     h.set_ihpirlength(c.ihpir);
-    CoefTable* t = h.add_coefftables();
-    t->set_samplerate(44100);
-    t->add_coeff_16(1000);
-    t->add_coeff_16(1001);
-    for (int i = 1; i <= c.per_channel; ++i) t->add_coeff_16(i);
-    for (int i = 1; i <= c.per_channel; ++i) t->add_coeff_16(-i);
-    std::vector<int> rec = buffer(c.capacity + 16);
-    ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), c.capacity, 44100), 0);
-    const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
-    EXPECT_EQ(le32(b, 20), c.stored_ihpir);
-    EXPECT_EQ(le16(b, 24), 1000);
-    EXPECT_EQ(le16(b, 26), 1001);
-    for (int j = 0; j < c.kept; ++j) {
-      ASSERT_EQ(le16(b, 28 + 2 * j), j + 1) << c.ihpir << " ch1 tap " << j;
-      ASSERT_EQ(le16(b, 28 + 2 * (c.kept + j)), static_cast<std::uint16_t>(-(j + 1))) << c.ihpir << " ch2 tap " << j;
+    coeftest::setTable(h.add_coefftables(), 44100, {}, coeftest::ramp(c.values, 1));
+    const int slots = (static_cast<int>(c.capacity) - 24) / 2;
+    std::vector<int> source(slots + 8, -1);  // -1: slot untouched
+    for (int k = 0; k < slots; ++k) {
+      if (c.kept < 0) source[k] = k;
     }
-    for (std::size_t off = c.capacity; off < c.capacity + 16; off += 4) {
-      EXPECT_EQ(le32(b, off), kFill) << "past the record, case " << c.ihpir;
+    if (c.kept >= 0) {
+      source[0] = 0;
+      source[1] = 1;
+      for (int j = 0; j < c.kept; ++j) {
+        source[2 + j] = 2 + j;
+        source[2 + c.kept + j] = c.ch2 + j;
+      }
+    }
+    std::vector<int> rec = buffer(c.capacity + 20);
+    ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), c.capacity, 44100), 0);
+    EXPECT_EQ(le32(rec.data(), 20), c.stored_ihpir);
+    for (int k = 0; k < slots + 8; ++k) {
+      const bool copied = source[k] >= 0 && source[k] < c.values;
+      ASSERT_EQ(le16(rec.data(), 24 + 2 * k), copied ? source[k] + 1 : 0xA5A5) << "slot " << k;
     }
   }
-}
-
-// Inside the 128-tap limit every value is copied, but never past the record.
-TEST(ModelHpeq, OverlongListStopsAtTheRecord) {
-  headphoneEq h;
-  h.set_ihpirlength(128);
-  CoefTable* t = h.add_coefftables();
-  t->set_samplerate(48000);
-  for (int i = 0; i < 400; ++i) t->add_coeff_16(i);
-  std::vector<int> rec = buffer(560);
-  ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), 540, 48000), 0);
-  EXPECT_EQ(le16(rec.data(), 538), 257);
-  EXPECT_EQ(le32(rec.data(), 540), kFill);
 }
 
 TEST(ModelHpeq, RouteFilteringAcrossModels) {

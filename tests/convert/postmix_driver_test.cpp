@@ -241,11 +241,6 @@ TEST(PostmixDriver, FullRoundTrip) {
   Record second;
   ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, rebuilt, *second, false, {}, 14), 0);
 
-  // The rebuilt rooms carry every capacity value: 6150 per side room fits
-  // exactly, 16400 for the multichannel room.
-  ASSERT_EQ(rebuilt.postmix().model().rooms_size(), 3);
-  EXPECT_EQ(rebuilt.postmix().model().rooms(0).coefftables(0).coeff_16_size(), 6150);
-  EXPECT_EQ(rebuilt.postmix().model().rooms(2).coefftables(0).coeff_16_size(), 16400);
   for (std::size_t i = 0; i < coeftest::kRecordBytes; ++i) {
     if (i >= 61324 && i < 61328) continue;  // brio high-pass coefficients -7, 7
     ASSERT_EQ(first.bytes()[i], second.bytes()[i]) << "byte " << i;

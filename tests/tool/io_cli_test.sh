@@ -122,6 +122,23 @@ json_floats)
   expect 0 "$HERON" dump "$T/post.bin" --json
   contains "$T/out" 'sense_band_coeffs_float32", "offset": [0-9]*, "value": \[-0\.0, 0\.0, '
   ;;
+diff_records_and_settings)
+  # Records: one array element and one scalar changed, by name and offset.
+  expect 0 "$HERON" populate "$ROUTE" --model "$MODEL" --premix-out "$T/a.bin" --postmix-out "$T/pa.bin"
+  cp "$T/pa.bin" "$T/pb.bin"
+  printf '\001\000' | dd of="$T/pb.bin" bs=1 seek=34392 conv=notrunc 2>/dev/null
+  expect 0 "$HERON" diff "$T/pa.bin" "$T/pa.bin"
+  expect 1 "$HERON" diff "$T/pa.bin" "$T/pb.bin"
+  contains "$T/out" '^ *34392  front_room.coeffs\[512\]: [-0-9]* -> 1$'
+  contains "$T/out" '^1 difference'
+  one_line_error 2 "$T/a.bin" "$HERON" diff "$T/pa.bin" "$T/a.bin"
+  # Settings: one nested field, across encodings.
+  sed 's/intensity_level: 10/intensity_level: 11/' "$ROUTE" >"$T/b.txtpb"
+  expect 0 "$HERON" fmt "$ROUTE" --output-format json -o "$T/a.json"
+  expect 1 "$HERON" diff "$T/a.json" "$T/b.txtpb" --json
+  contains "$T/out" '"path": "tech\[0\].heron_v1_1.premix.steady.intensity_level", "old": "10", "new": "11"'
+  one_line_error 2 "$MODEL" "$HERON" diff "$ROUTE" "$MODEL"
+  ;;
 *)
   fail "unknown case $CASE"
   ;;

@@ -108,16 +108,16 @@ const DesignerEntry kDesigners[] = {
 
 constexpr BandType kBandTypes[] = {
     {PEQ_BAND_TYPE_TRADITIONAL, "traditional",
-     "boost/cut peak whose cut exactly undoes the same boost (bandwidth from w0/(3 Q))", "Q"},
+     "boost/cut peak whose cut exactly undoes the same boost (bandwidth from w0/(3 Q))", "quality factor"},
     {PEQ_BAND_TYPE_LOWSHELF, "lowshelf", "low shelf", "shelf slope"},
     {PEQ_BAND_TYPE_HIGHSHELF, "highshelf", "high shelf", "shelf slope"},
     {PEQ_BAND_TYPE_LOWPASS, "lowpass", "second-order low-pass, resonance from the gain", nullptr},
     {PEQ_BAND_TYPE_HIGHPASS, "highpass", "second-order high-pass, resonance from the gain", nullptr},
-    {PEQ_BAND_TYPE_BANDPASS, "bandpass", "band-pass, peak gain = the gain", "Q"},
-    {PEQ_BAND_TYPE_ALLPASS, "allpass", "all-pass scaled by the gain", "Q"},
-    {PEQ_BAND_TYPE_NOTCH, "notch", "notch", "Q"},
-    {PEQ_BAND_TYPE_PEAKING, "peaking", "constant-Q peaking band (audio-cookbook peaking EQ)", "Q"},
-    {PEQ_BAND_TYPE_GAIN, "gain", "pure gain; frequency and Q unused", nullptr},
+    {PEQ_BAND_TYPE_BANDPASS, "bandpass", "band-pass, peak gain = the gain", "quality factor"},
+    {PEQ_BAND_TYPE_ALLPASS, "allpass", "all-pass scaled by the gain", "quality factor"},
+    {PEQ_BAND_TYPE_NOTCH, "notch", "notch", "quality factor"},
+    {PEQ_BAND_TYPE_PEAKING, "peaking", "constant-Q peaking band (audio-cookbook peaking EQ)", "quality factor"},
+    {PEQ_BAND_TYPE_GAIN, "gain", "pure gain, frequency unused", nullptr},
 };
 
 }  // namespace

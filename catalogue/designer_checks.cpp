@@ -128,12 +128,13 @@ Objection CheckIntent(const PeqRequest& r) {
     const char* name = BandTypeName(band.type);
     if (name == nullptr) continue;  // no section is designed for it
     const std::string prefix = "band " + std::to_string(b) + " (" + name + "): ";
-    const BandType& type = BandTypes().items[band.type];
+    const bool uses_q = BandTypes().items[band.type].q_means != nullptr;
     if (band.type != PEQ_BAND_TYPE_GAIN && !FinitePositive(band.center_freq)) {
       return NotFinitePositive("center_freq", "the frequency", band.center_freq, "Hz", prefix, b);
     }
-    if (type.q_means != nullptr && !FinitePositive(band.q)) {
-      return NotFinitePositive("q", std::string("the ") + type.q_means, band.q, "", prefix, b);
+    if (uses_q && !FinitePositive(band.q)) {
+      const bool slope = band.type == PEQ_BAND_TYPE_LOWSHELF || band.type == PEQ_BAND_TYPE_HIGHSHELF;
+      return NotFinitePositive("q", slope ? "the shelf slope (Q)" : "the Q", band.q, "", prefix, b);
     }
     if (!std::isfinite(band.gain)) {
       const bool resonance = band.type == PEQ_BAND_TYPE_LOWPASS || band.type == PEQ_BAND_TYPE_HIGHPASS;

@@ -238,10 +238,11 @@ CLI::App* AddDesigner(CLI::App* design, Family family, std::shared_ptr<CommonOpt
   }
   sub->add_flag("--json", c->json, "print one JSON object");
   sub->add_flag("--response", c->response, "add the magnitude response (dB, from 10 Hz to half the rate)");
-  sub->add_option("--plot", c->plot, "draw the response into this file (FILE.svg)");
+  sub->add_option("--plot", c->plot, "draw the response into this SVG file")->option_text("FILE.svg");
   sub->add_flag("--unchecked", c->unchecked,
-                "skip the checks for designs a person did not mean (frequency, Q or slope not finite and "
-                "positive, gain not finite, and the like) and show exactly what the engine computes");
+                "skip the checks for designs a person did not mean (a frequency, Q, shelf slope, base Q or "
+                "attack/release time not finite and positive, a gain not finite, an order outside 1 to 16, "
+                "notch bands outside 0 to 6) and show exactly what the engine computes");
   return sub;
 }
 

@@ -1,5 +1,6 @@
 // heron design distprev: distortion-prevention sense and notch banks.
 #include <cstring>
+#include <iterator>
 
 #include "design_output.h"
 #include "designer_catalogue.h"
@@ -65,7 +66,7 @@ void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out
     // The designer cuts the band count at 0 and 6, as shown here.
     int bands = request.blocks[k].nf_band_ct;
     bands = bands < 0 ? 0 : (bands > qh_design::kDistprevBandsPerRate ? qh_design::kDistprevBandsPerRate : bands);
-    for (int r = 0; r < 3; ++r) {
+    for (int r = 0; r < static_cast<int>(std::size(qh_design::kDistprevRates)); ++r) {
       const std::string where =
           "record " + std::to_string(k) + ", " + std::to_string(qh_design::kDistprevRates[r]) + " Hz, ";
       for (int b = 0; b < qh_design::kDistprevBandsPerRate; ++b) {

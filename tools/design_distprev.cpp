@@ -1,4 +1,5 @@
 // heron design distprev: distortion-prevention sense and notch banks.
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 
@@ -21,15 +22,17 @@ std::string Hex(const void* data, size_t size) {
   return s;
 }
 
-// One band slot: six words (iwl and five coefficients), then the two-word
-// gain record. Listed as a section with its gain.
+// One band slot is a one-section fixed-point cascade: the section's iwl and
+// five words, then the gain's iwl and word. Listed as a section with its gain.
 Biquad AddBandSlot(DesignOutput* out, const std::string& name, const int32_t* slot) {
-  const int64_t words[6] = {slot[0], slot[1], slot[2], slot[3], slot[4], slot[5]};
-  const Biquad b = AddFixedSection(out, name, words, 5, 32);
+  const qh_design::OutputGroup section = qh_design::CascadeSection(0), gain = qh_design::CascadeGain(1);
+  int64_t words[6];
+  std::copy(slot + section.word_first, slot + section.word_first + 1 + section.values, words);
+  const Biquad b = AddFixedSection(out, name, words, section.values, 32);
   SectionView& s = out->sections.back();
   s.coef_names.push_back("gain");
-  s.words.push_back(slot[7]);
-  s.values.push_back(Dequantise(slot[7], 32, slot[6]));
+  s.words.push_back(slot[gain.word_first + 1]);
+  s.values.push_back(Dequantise(slot[gain.word_first + 1], 32, slot[gain.word_first]));
   return b;
 }
 

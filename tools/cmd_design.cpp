@@ -3,11 +3,11 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
+#include "design_bands.h"
 #include "design_output.h"
 #include "designer_catalogue.h"
 #include "message_io.h"
@@ -100,64 +100,6 @@ std::string FormatList(const DesignerEntry& entry) {
   std::string list;
   for (qh_design::Format f : entry.formats) list += (list.empty() ? "" : "|") + std::string(qh_design::FormatName(f));
   return list;
-}
-
-// ---- parametric bands: TYPE,FREQ,Q,GAIN[,INVERT] ----
-
-int BandTypeFromText(const std::string& text) {
-  for (const qh_design::BandType& t : qh_design::BandTypes()) {
-    if (text == t.name) return t.value;
-  }
-  try {
-    size_t used = 0;
-    const int value = std::stoi(text, &used);
-    if (used == text.size()) return value;
-  } catch (const std::exception&) {
-  }
-  throw Usage("--band", "unknown band type '" + text + "' (traditional, lowshelf, highshelf, lowpass, highpass, "
-                        "bandpass, allpass, notch, peaking, gain, or a number)");
-}
-
-double NumberField(const std::string& text, const std::string& band) {
-  try {
-    size_t used = 0;
-    const double v = std::stod(text, &used);
-    if (used == text.size()) return v;
-  } catch (const std::exception&) {
-  }
-  throw Usage("--band", "'" + band + "': '" + text + "' is not a number");
-}
-
-OVAParametriceqBandSpec ParseBand(const std::string& text) {
-  std::vector<std::string> parts;
-  std::stringstream in(text);
-  for (std::string item; std::getline(in, item, ',');) parts.push_back(item);
-  if (parts.size() != 4 && parts.size() != 5) throw Usage("--band", "takes TYPE,FREQ,Q,GAIN[,INVERT], not '" + text + "'");
-  OVAParametriceqBandSpec band{};
-  band.type = BandTypeFromText(parts[0]);
-  band.center_freq = static_cast<float>(NumberField(parts[1], text));
-  band.q = static_cast<float>(NumberField(parts[2], text));
-  band.gain = static_cast<float>(NumberField(parts[3], text));
-  if (parts.size() == 5) {
-    if (parts[4] != "0" && parts[4] != "1") throw Usage("--band", "'" + text + "': INVERT must be 0 or 1");
-    band.invert = parts[4] == "1";
-  }
-  return band;
-}
-
-std::string BandTypeFooter() {
-  std::string s = "Band types (name or number):\n";
-  for (const qh_design::BandType& t : qh_design::BandTypes()) {
-    char line[200];
-    std::snprintf(line, sizeof line, "  %d %-12s %s; Q: %s\n", t.value, t.name, t.response,
-                  t.q_means ? t.q_means : "unused");
-    s += line;
-  }
-  s += "traditional and peaking both boost or cut around FREQ: traditional keeps boost and cut\n"
-       "mirror images (a cut undoes the same boost), peaking keeps its bandwidth set by Q.\n"
-       "INVERT 1 negates the band's numerator (b0, b1, b2): the band's output changes polarity.\n"
-       "FREQ in Hz, GAIN in dB, Q in engine units (the shelf slope for the shelves).";
-  return s;
 }
 
 // ---- running ----

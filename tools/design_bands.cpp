@@ -23,8 +23,9 @@ int BandTypeFromText(const std::string& text) {
     if (used == text.size()) return value;
   } catch (const std::exception&) {
   }
-  throw Usage("unknown band type '" + text + "' (traditional, lowshelf, highshelf, lowpass, highpass, "
-                        "bandpass, allpass, notch, peaking, gain, or a number)");
+  std::string names;
+  for (const qh_design::BandType& t : qh_design::BandTypes()) names += std::string(t.name) + ", ";
+  throw Usage("unknown band type '" + text + "' (" + names + "or a number)");
 }
 
 double NumberField(const std::string& text, const std::string& band) {

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "QuillPbConvert_Heron_v1_1.h"
+#include "designer_catalogue.h"
 #include "fixtures.h"
 #include "quillHeronCoeffRecords.h"
 #include "quillheron_filterdesign.h"
@@ -129,6 +130,28 @@ struct Scratch {
   std::int16_t w16[256];
 };
 
+qh_design::DesignBuffers Buffers(Scratch* x) {
+  qh_design::DesignBuffers b;
+  b.floats = x->f;
+  b.words32 = x->w32;
+  b.words16 = x->w16;
+  b.workspace = x->work;
+  return b;
+}
+
+// One operation per format of the request's family: base + the format's name
+// ("fxp32-noscale" as "fxp32_noscale").
+template <class Request>
+void AddDesign(std::vector<Operation>& ops, const std::string& base, const Request& request,
+               const std::shared_ptr<Scratch>& x, qh_design::Family family) {
+  for (qh_design::Format format : qh_design::FindDesigner(family)->formats) {
+    std::string name = qh_design::FormatName(format);
+    for (char& c : name) c = c == '-' ? '_' : c;
+    ops.push_back({base + name, [x, request, format] { return qh_design::Run(request, format, Buffers(x.get())); },
+                   true, 20});
+  }
+}
+
 void AddButterworth(std::vector<Operation>& ops, const std::shared_ptr<Scratch>& x) {
   struct Kind {
     const char* name;
@@ -139,19 +162,8 @@ void AddButterworth(std::vector<Operation>& ops, const std::shared_ptr<Scratch>&
   for (const Kind& k : kKinds) {
     for (int order : {2, 4, 8}) {
       const std::string base = std::string("design/butterworth_") + k.name + "/order" + std::to_string(order) + "/";
-      const int type = k.type;
-      const float fc = k.cutoff;
-      ops.push_back({base + "float", [x, type, fc, order] { return OVA_IirFilterDesignFloat(fc, order, kRate, type, x->f); },
-                     true, 20});
-      ops.push_back({base + "fxp32",
-                     [x, type, fc, order] { return OVA_IirFilterDesignFxp32(fc, order, kRate, type, x->w32, x->work); },
-                     true, 20});
-      ops.push_back({base + "fxp24",
-                     [x, type, fc, order] { return OVA_IirFilterDesignFxp24(fc, order, kRate, type, x->w32, x->work); },
-                     true, 20});
-      ops.push_back({base + "fxp16",
-                     [x, type, fc, order] { return OVA_IirFilterDesignFxp16(fc, order, kRate, type, x->w16, x->work); },
-                     true, 20});
+      AddDesign(ops, base, qh_design::ButterworthRequest{k.cutoff, order, kRate, k.type}, x,
+                qh_design::Family::kButterworth);
     }
   }
 }
@@ -166,45 +178,21 @@ void AddParametricEq(std::vector<Operation>& ops, const std::shared_ptr<Scratch>
       {PEQ_BAND_TYPE_NOTCH, 5000.0f, 10.0f, 0.0f, 0},      {PEQ_BAND_TYPE_TRADITIONAL, 12000.0f, 2.0f, 2.0f, 1}};
   for (int n : {1, 5, 10}) {
     const std::string base = "design/peq/" + std::to_string(n) + "bands/";
-    auto request = std::make_shared<OVAParametriceqSpec>(OVAParametriceqSpec{n, kBands, kRate});
-    ops.push_back({base + "float", [x, request] { return OVA_ParametriceqDesignFloat(request.get(), x->f); }, true, 20});
-    ops.push_back({base + "fxp32_noscale",
-                   [x, request] { return OVA_ParametriceqDesignFxp32NoScale(request.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp32", [x, request] { return OVA_ParametriceqDesignFxp32(request.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp24", [x, request] { return OVA_ParametriceqDesignFxp24(request.get(), x->w32, x->work); }, true, 20});
-    ops.push_back({base + "fxp16", [x, request] { return OVA_ParametriceqDesignFxp16(request.get(), x->w16, x->work); }, true, 20});
+    AddDesign(ops, base, qh_design::PeqRequest{n, kBands, kRate}, x, qh_design::Family::kPeq);
   }
 }
 
 // Bass enhancement with the shipped example's parameters.
 void AddThumpx(std::vector<Operation>& ops, const std::shared_ptr<Scratch>& x) {
-  const std::string base = "design/thumpx/";
-  ops.push_back({base + "float",
-                 [x] { return OVA_THUMPX_FilterDesignFloat(100, 0.3335f, 0.5f, 0.8f, kRate, x->f, 5.5f, 500.0f, 44.0f, 1.5f, 0); },
-                 true, 20});
-  ops.push_back({base + "fxp32",
-                 [x] {
-                   return OVA_THUMPX_FilterDesignFxp32(100, 0.3335f, 0.5f, 0.8f, kRate, x->w32, 5.5f, 500.0f, 44.0f, 1.5f, 0,
-                                                       x->work);
-                 },
-                 true, 20});
-  ops.push_back({base + "fxp24",
-                 [x] {
-                   return OVA_THUMPX_FilterDesignFxp24(100, 0.3335f, 0.5f, 0.8f, kRate, x->w32, 5.5f, 500.0f, 44.0f, 1.5f, 0,
-                                                       x->work);
-                 },
-                 true, 20});
-  ops.push_back({base + "fxp16",
-                 [x] {
-                   return OVA_THUMPX_FilterDesignFxp16(100, 0.3335f, 0.5f, 0.8f, kRate, x->w16, 5.5f, 500.0f, 44.0f, 1.5f, 0,
-                                                       x->work);
-                 },
-                 true, 20});
+  qh_design::ThumpxRequest request;
+  request.custom_speaker_size = 100;
+  request.bass_ctrl = 0.3335f;
+  request.sampling_rate = kRate;
+  AddDesign(ops, "design/thumpx/", request, x, qh_design::Family::kThumpx);
 }
 
 void AddCrossover(std::vector<Operation>& ops, const std::shared_ptr<Scratch>& x) {
-  ops.push_back({"design/crossover/float", [x] { return QUILL_McDyn_FilterDesignFloat(300.0f, kRate, x->f); }, true, 20});
-  ops.push_back({"design/crossover/fxp32", [x] { return QUILL_McDyn_FilterDesignFxp32(300.0f, kRate, x->w32); }, true, 20});
+  AddDesign(ops, "design/crossover/", qh_design::CrossoverRequest{300.0f, kRate}, x, qh_design::Family::kCrossover);
 }
 
 // Two blocks of six notch bands each, harmonic and octave spacing.
@@ -219,7 +207,8 @@ void AddDistortionPrevention(std::vector<Operation>& ops) {
   a->blocks[0] = {1, -20.0f, -30.0f, -6.0f, 200.0f, 50.0f, 6, 150.0f, 10.0f, -12.0f, 0, 1, -3.0f};
   a->blocks[1] = {1, -18.0f, -28.0f, -6.0f, 150.0f, 40.0f, 6, 110.0f, 8.0f, -9.0f, 1, 0, -1.5f};
   ops.push_back({"design/distprev/2x6bands",
-                 [a] { return quill_distprev_config_designer(&a->header, a->records, a->blocks, 2); }, true, 20});
+                 [a] { return qh_design::Run(qh_design::DistprevRequest{a->blocks, 2}, &a->header, a->records); },
+                 true, 20});
 }
 
 std::vector<Operation> Build() {

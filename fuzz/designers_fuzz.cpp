@@ -3,17 +3,21 @@
 // over heap outputs and workspaces of exactly the size each call may use.
 // The Butterworth designers trust `order`, so orders above 64 are folded back
 // into 0..64 to keep the buffers sized by the order that is passed; zero and
-// negative orders pass unchanged. A designer must return for every input.
+// negative orders pass unchanged. A designer must return for every input,
+// and the designer catalogue's contract check must say exactly when it
+// rejects (designs go through the catalogue's request structs).
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "designer_catalogue.h"
 #include "exact_buffer.h"
 #include "fuzz_input.h"
 #include "quillheron_filterdesign.h"
 
 namespace {
 
+using qh_design::Format;
 using qh_fuzz::ExactBuffer;
 using qh_fuzz::FuzzInput;
 
@@ -41,26 +45,47 @@ void fillFloats(FuzzInput& in, float* out, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) out[i] = in.designFloat(-4.0f, 4.0f);
 }
 
-// ---- Butterworth ----------------------------------------------------------
-
-void iirFloat(FuzzInput& in) {
-  const float cutoff = in.designFloat(1.0f, 30000.0f);
-  const int order = foldedOrder(in, kMaxOrder);
-  const int rate = in.sampleRate();
-  const int type = filterType(in);
-  ExactBuffer out(sizeof(float) * QH_IirFloatLength(order));
-  OVA_IirFilterDesignFloat(cutoff, order, rate, type, out.as<float>());
+// Runs a request through the catalogue; the catalogue's contract check must
+// predict exactly when the designer rejects it.
+template <class Request>
+void runChecked(const Request& request, Format format, const qh_design::DesignBuffers& out) {
+  const bool rejected = qh_design::Run(request, format, out) == QH_IIR_DESIGN_REJECTED;
+  if (rejected != static_cast<bool>(qh_design::CheckContract(request, format))) __builtin_trap();
 }
 
-template <class Word, int (*Design)(float, int, int, int, Word*, void*)>
+qh_design::DesignBuffers into(ExactBuffer& out, Format format, void* workspace = nullptr) {
+  qh_design::DesignBuffers b;
+  const int width = qh_design::WordWidth(format);
+  if (width == 0) b.floats = out.as<float>();
+  else if (width == 16) b.words16 = out.as<std::int16_t>();
+  else b.words32 = out.as<std::int32_t>();
+  b.workspace = workspace;
+  return b;
+}
+
+// ---- Butterworth ----------------------------------------------------------
+
+qh_design::ButterworthRequest iirRequest(FuzzInput& in) {
+  qh_design::ButterworthRequest r;
+  r.cutoff_hz = in.designFloat(1.0f, 30000.0f);
+  r.order = foldedOrder(in, kMaxOrder);
+  r.sample_rate = in.sampleRate();
+  r.filter_type = filterType(in);
+  return r;
+}
+
+void iirFloat(FuzzInput& in) {
+  const qh_design::ButterworthRequest r = iirRequest(in);
+  ExactBuffer out(sizeof(float) * QH_IirFloatLength(r.order));
+  runChecked(r, Format::kFloat, into(out, Format::kFloat));
+}
+
+template <class Word, Format kFormat>
 void iirFixed(FuzzInput& in) {
-  const float cutoff = in.designFloat(1.0f, 30000.0f);
-  const int order = foldedOrder(in, kMaxOrder);
-  const int rate = in.sampleRate();
-  const int type = filterType(in);
-  ExactBuffer out(sizeof(Word) * QH_IirFixedLength(order));
-  ExactBuffer work(QH_IirDesignWorkspaceBytes(QH_IirSectionCount(order)), misalignment(in));
-  Design(cutoff, order, rate, type, out.as<Word>(), work.data());
+  const qh_design::ButterworthRequest r = iirRequest(in);
+  ExactBuffer out(sizeof(Word) * QH_IirFixedLength(r.order));
+  ExactBuffer work(QH_IirDesignWorkspaceBytes(QH_IirSectionCount(r.order)), misalignment(in));
+  runChecked(r, kFormat, into(out, kFormat, work.data()));
 }
 
 // ---- Quantisation, its inverse, joining, scaling ---------------------------
@@ -161,63 +186,60 @@ struct PeqRequest {
 void peqFloat(FuzzInput& in) {
   PeqRequest r(in);
   ExactBuffer out(sizeof(float) * (5 * nonNegative(r.band_count) + 1));
-  OVA_ParametriceqDesignFloat(&r.request, out.as<float>());
+  runChecked(r.request, Format::kFloat, into(out, Format::kFloat));
 }
 
-template <class Word, int (*Design)(const OVAParametriceqSpec*, Word*, void*), bool kScaled>
+template <class Word, Format kFormat>
 void peqFixed(FuzzInput& in) {
   PeqRequest r(in);
   const int bands = static_cast<int>(nonNegative(r.band_count));
   ExactBuffer out(sizeof(Word) * (6 * nonNegative(r.band_count) + 2));
-  const int work_bytes = kScaled ? QH_IirDesignWorkspaceBytes(bands) : QH_PeqNoScaleWorkspaceBytes(bands);
+  const bool scaled = kFormat != Format::kFxp32NoScale;
+  const int work_bytes = scaled ? QH_IirDesignWorkspaceBytes(bands) : QH_PeqNoScaleWorkspaceBytes(bands);
   ExactBuffer work(work_bytes, misalignment(in));
-  Design(&r.request, out.as<Word>(), work.data());
+  runChecked(r.request, kFormat, into(out, kFormat, work.data()));
 }
 
 // ---- Bass enhancement, crossovers, distortion prevention ---------------------
 
-struct ThumpxArgs {
-  explicit ThumpxArgs(FuzzInput& in) {
-    const std::uint8_t s = in.u8();
-    size = s < 0xC0 ? 30 + s * 3 : in.i32();
-    bass_ctrl = in.designFloat(0.0f, 1.0f);
-    hp_ratio = in.designFloat(0.0f, 1.0f);
-    ext_bass = in.designFloat(0.0f, 1.0f);
-    rate = in.sampleRate();
-    lp_ratio = in.designFloat(0.0f, 4.0f);
-    pre_lp_freq = in.designFloat(20.0f, 20000.0f);
-    harm_hp_freq = in.designFloat(20.0f, 20000.0f);
-    clip_level = in.designFloat(0.0f, 1.0f);
-    reserved = in.i32();
-  }
-  int size, rate, reserved;
-  float bass_ctrl, hp_ratio, ext_bass, lp_ratio, pre_lp_freq, harm_hp_freq, clip_level;
-};
-
-void thumpxFloat(FuzzInput& in) {
-  const ThumpxArgs a(in);
-  ExactBuffer out(sizeof(float) * QH_THUMPX_FLOAT_LENGTH);
-  OVA_THUMPX_FilterDesignFloat(a.size, a.bass_ctrl, a.hp_ratio, a.ext_bass, a.rate, out.as<float>(),
-                               a.lp_ratio, a.pre_lp_freq, a.harm_hp_freq, a.clip_level, a.reserved);
+qh_design::ThumpxRequest thumpxRequest(FuzzInput& in) {
+  qh_design::ThumpxRequest r;
+  const std::uint8_t s = in.u8();
+  r.custom_speaker_size = s < 0xC0 ? 30 + s * 3 : in.i32();
+  r.bass_ctrl = in.designFloat(0.0f, 1.0f);
+  r.hp_ratio = in.designFloat(0.0f, 1.0f);
+  r.ext_bass = in.designFloat(0.0f, 1.0f);
+  r.sampling_rate = in.sampleRate();
+  r.lp_ratio = in.designFloat(0.0f, 4.0f);
+  r.pre_lp_freq = in.designFloat(20.0f, 20000.0f);
+  r.harm_hp_freq = in.designFloat(20.0f, 20000.0f);
+  r.clip_level = in.designFloat(0.0f, 1.0f);
+  r.reserved = in.i32();
+  return r;
 }
 
-template <class Word, int (*Design)(int, float, float, float, int, Word*, float, float, float, float, int,
-                                     void*)>
+void thumpxFloat(FuzzInput& in) {
+  const qh_design::ThumpxRequest r = thumpxRequest(in);
+  ExactBuffer out(sizeof(float) * QH_THUMPX_FLOAT_LENGTH);
+  runChecked(r, Format::kFloat, into(out, Format::kFloat));
+}
+
+template <class Word, Format kFormat>
 void thumpxFixed(FuzzInput& in) {
-  const ThumpxArgs a(in);
+  const qh_design::ThumpxRequest r = thumpxRequest(in);
   ExactBuffer out(sizeof(Word) * QH_THUMPX_FIXED_LENGTH);
   ExactBuffer work(QH_THUMPX_WORKSPACE_BYTES, misalignment(in));
-  Design(a.size, a.bass_ctrl, a.hp_ratio, a.ext_bass, a.rate, out.as<Word>(), a.lp_ratio, a.pre_lp_freq,
-         a.harm_hp_freq, a.clip_level, a.reserved, work.data());
+  runChecked(r, kFormat, into(out, kFormat, work.data()));
 }
 
 void crossovers(FuzzInput& in) {
-  const float freq = in.designFloat(20.0f, 20000.0f);
-  const int rate = in.sampleRate();
+  qh_design::CrossoverRequest r;
+  r.crossover_freq = in.designFloat(20.0f, 20000.0f);
+  r.sample_rate = in.sampleRate();
   ExactBuffer fl(sizeof(float) * QH_MCDYN_FLOAT_LENGTH);
-  QUILL_McDyn_FilterDesignFloat(freq, rate, fl.as<float>());
+  runChecked(r, Format::kFloat, into(fl, Format::kFloat));
   ExactBuffer fx(sizeof(int32_t) * QH_MCDYN_FIXED_LENGTH);
-  QUILL_McDyn_FilterDesignFxp32(freq, rate, fx.as<int32_t>());
+  runChecked(r, Format::kFxp32, into(fx, Format::kFxp32));
 }
 
 void distprev(FuzzInput& in) {
@@ -242,17 +264,17 @@ void distprev(FuzzInput& in) {
     b[i].nf_width = in.count(3);
     b[i].nf_slope = in.designFloat(-6.0f, 6.0f);
   }
-  quill_distprev_config_designer(header.as<quillDistprevDesignHeader>(),
-                                 records.as<quillMBHLDistprevCoeff>(), b, count);
+  qh_design::Run(qh_design::DistprevRequest{b, count}, header.as<quillDistprevDesignHeader>(),
+                 records.as<quillMBHLDistprevCoeff>());
 }
 
 using Operation = void (*)(FuzzInput&);
 
 const Operation kOperations[] = {
     iirFloat,
-    iirFixed<int32_t, OVA_IirFilterDesignFxp32>,
-    iirFixed<int32_t, OVA_IirFilterDesignFxp24>,
-    iirFixed<int16_t, OVA_IirFilterDesignFxp16>,
+    iirFixed<int32_t, Format::kFxp32>,
+    iirFixed<int32_t, Format::kFxp24>,
+    iirFixed<int16_t, Format::kFxp16>,
     quantize<int32_t, OVA_QuantizeIIR_Fxp32>,
     quantize<int32_t, OVA_QuantizeIIR_Fxp24>,
     quantize<int16_t, OVA_QuantizeIIR_Fxp16>,
@@ -264,14 +286,14 @@ const Operation kOperations[] = {
     scaleByOrder,
     smallFunctions,
     peqFloat,
-    peqFixed<int32_t, OVA_ParametriceqDesignFxp32NoScale, false>,
-    peqFixed<int32_t, OVA_ParametriceqDesignFxp32, true>,
-    peqFixed<int32_t, OVA_ParametriceqDesignFxp24, true>,
-    peqFixed<int16_t, OVA_ParametriceqDesignFxp16, true>,
+    peqFixed<int32_t, Format::kFxp32NoScale>,
+    peqFixed<int32_t, Format::kFxp32>,
+    peqFixed<int32_t, Format::kFxp24>,
+    peqFixed<int16_t, Format::kFxp16>,
     thumpxFloat,
-    thumpxFixed<int32_t, OVA_THUMPX_FilterDesignFxp32>,
-    thumpxFixed<int32_t, OVA_THUMPX_FilterDesignFxp24>,
-    thumpxFixed<int16_t, OVA_THUMPX_FilterDesignFxp16>,
+    thumpxFixed<int32_t, Format::kFxp32>,
+    thumpxFixed<int32_t, Format::kFxp24>,
+    thumpxFixed<int16_t, Format::kFxp16>,
     crossovers,
     distprev,
 };

@@ -1,15 +1,14 @@
 // heron design distprev: distortion-prevention sense and notch banks.
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "design_output.h"
-#include "message_io.h"
-#include "quillHeronDistprev.h"
-#include "quillheron_filterdesign.h"
+#include "designer_catalogue.h"
 
 namespace heron_tool {
 namespace {
 
-constexpr int kDesignRates[3] = {48000, 44100, 32000};
 constexpr int kWordsPerRecord = sizeof(quillMBHLDistprevCoeff) / 4;
 
 std::string Hex(const void* data, size_t size) {
@@ -23,49 +22,35 @@ std::string Hex(const void* data, size_t size) {
   return s;
 }
 
-// One band slot: six words (iwl and five coefficients), then the two-word
-// gain record. Listed as a section with its gain.
+// One band slot is a one-section fixed-point cascade: the section's iwl and
+// five words, then the gain's iwl and word. Listed as a section with its gain.
 Biquad AddBandSlot(DesignOutput* out, const std::string& name, const int32_t* slot) {
-  const int64_t words[6] = {slot[0], slot[1], slot[2], slot[3], slot[4], slot[5]};
-  const Biquad b = AddFixedSection(out, name, words, 5, 32);
+  const qh_design::OutputGroup section = qh_design::CascadeSection(0), gain = qh_design::CascadeGain(1);
+  int64_t words[6];
+  std::copy(slot + section.word_first, slot + section.word_first + 1 + section.values, words);
+  const Biquad b = AddFixedSection(out, name, words, section.values, 32);
   SectionView& s = out->sections.back();
   s.coef_names.push_back("gain");
-  s.words.push_back(slot[7]);
-  s.values.push_back(Dequantise(slot[7], 32, slot[6]));
+  s.words.push_back(slot[gain.word_first + 1]);
+  s.values.push_back(Dequantise(slot[gain.word_first + 1], 32, slot[gain.word_first]));
   return b;
 }
 
 }  // namespace
 
-void DesignDistprev(const DistprevOptions& o, DesignOutput* out) {
-  if (o.count < 0 || o.count > 64) throw ToolError{"", "--count must be 0 to 64", kExitInputError};
-  int rate_index = -1;
-  for (int r = 0; r < 3; ++r) {
-    if (kDesignRates[r] == out->rate) rate_index = r;
-  }
-
-  quillDistprevNotchDesignBlock block{};
-  block.nf_mode = o.nf_mode;
-  block.nf_thld = static_cast<float>(o.nf_thld);
-  block.nf_sense = static_cast<float>(o.nf_sense);
-  block.nf_attk_thld = static_cast<float>(o.nf_attk_thld);
-  block.nf_attk_ms = static_cast<float>(o.nf_attk_ms);
-  block.nf_rel_ms = static_cast<float>(o.nf_rel_ms);
-  block.nf_band_ct = o.nf_band_ct;
-  block.nf_base_freq = static_cast<float>(o.nf_base_freq);
-  block.nf_base_q = static_cast<float>(o.nf_base_q);
-  block.nf_base_attn_max = static_cast<float>(o.nf_base_attn_max);
-  block.nf_spacing = o.nf_spacing;
-  block.nf_width = o.nf_width;
-  block.nf_slope = static_cast<float>(o.nf_slope);
-  std::vector<quillDistprevNotchDesignBlock> blocks(o.count, block);
-  std::vector<quillMBHLDistprevCoeff> records(o.count);
-  if (o.count > 0) std::memset(records.data(), 0, records.size() * sizeof records[0]);
+void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out) {
+  // The response shown is the first design rate's notch bank.
+  constexpr int kShownRate = 0;
+  out->rate = qh_design::kDistprevRates[kShownRate];
+  out->rate_applies = false;
+  const int count = request.count > 0 ? request.count : 0;
+  std::vector<quillMBHLDistprevCoeff> records(count);
+  if (count > 0) std::memset(records.data(), 0, records.size() * sizeof records[0]);
   quillDistprevDesignHeader header;
   std::memset(&header, 0, sizeof header);
 
   out->float_output = false;
-  out->result = quill_distprev_config_designer(&header, records.data(), blocks.data(), o.count);
+  out->result = qh_design::Run(request, &header, records.data());
   out->header_hex = Hex(&header, sizeof header);
   for (const auto& record : records) {
     int32_t words[kWordsPerRecord];
@@ -76,26 +61,32 @@ void DesignDistprev(const DistprevOptions& o, DesignOutput* out) {
     out->reject_reason = "rejected by the designer";
     return;
   }
-  const int bands = o.nf_band_ct < 0 ? 0 : (o.nf_band_ct > 6 ? 6 : o.nf_band_ct);
-  for (int k = 0; k < o.count; ++k) {
+  Curve design, quantised;
+  design.name = quantised.name = "notch bank of record 0 at " + std::to_string(out->rate) + " Hz";
+  quantised.quantised = true;
+  for (int k = 0; k < count; ++k) {
     const quillMBHLDistprevCoeff& rec = records[k];
-    for (int r = 0; r < 3; ++r) {
-      const std::string where = "record " + std::to_string(k) + ", " + std::to_string(kDesignRates[r]) + " Hz, ";
-      for (int b = 0; b < 6; ++b) {
-        AddBandSlot(out, where + "sense band " + std::to_string(b), &rec.sense_band_coeffs[r * 48 + b * 8]);
+    // The designer cuts the band count at 0 and 6, as shown here.
+    int bands = request.blocks[k].nf_band_ct;
+    bands = bands < 0 ? 0 : (bands > qh_design::kDistprevBandsPerRate ? qh_design::kDistprevBandsPerRate : bands);
+    for (int r = 0; r < static_cast<int>(std::size(qh_design::kDistprevRates)); ++r) {
+      const std::string where =
+          "record " + std::to_string(k) + ", " + std::to_string(qh_design::kDistprevRates[r]) + " Hz, ";
+      for (int b = 0; b < qh_design::kDistprevBandsPerRate; ++b) {
+        AddBandSlot(out, where + "sense band " + std::to_string(b),
+                    &rec.sense_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
       }
       for (int b = 0; b < bands; ++b) {
-        const Biquad q = AddBandSlot(out, where + "notch band " + std::to_string(b), &rec.notch_band_coeffs[r * 48 + b * 8]);
-        if (k == 0 && r == rate_index) {
-          const float* f = &rec.notch_band_coeffs_float32[r * 36 + b * 6];
-          out->float_sections.push_back({f[0], f[1], f[2], f[3], f[4]});
-          out->quantised_sections.push_back(q);
+        const Biquad q = AddBandSlot(out, where + "notch band " + std::to_string(b),
+                                     &rec.notch_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
+        if (k == 0 && r == kShownRate) {
+          design.sections.push_back(FloatBiquad(&rec.notch_band_coeffs_float32[qh_design::DistprevSlotFloat(r, b)], 5));
+          quantised.sections.push_back(q);
         }
       }
     }
   }
-  out->has_quantised = !out->quantised_sections.empty();
-  out->response_label = "notch bank of record 0 at " + std::to_string(out->rate) + " Hz";
+  if (!design.sections.empty()) out->curves = {design, quantised};
 }
 
 }  // namespace heron_tool

@@ -2,20 +2,9 @@
 
 #include <cmath>
 
-#include "message_io.h"
-
 namespace heron_tool {
 
-int FormatWidth(const std::string& format) {
-  if (format == "fxp32" || format == "fxp32-noscale") return 32;
-  if (format == "fxp24") return 24;
-  if (format == "fxp16") return 16;
-  return 0;
-}
-
-double Dequantise(int64_t word, int width, int iwl) {
-  return std::ldexp(static_cast<double>(word), iwl - width);
-}
+double Dequantise(int64_t word, int width, int iwl) { return std::ldexp(static_cast<double>(word), iwl - width); }
 
 namespace {
 
@@ -32,8 +21,11 @@ std::vector<std::string> CoefNames(int values) {
 
 }  // namespace
 
-Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t* group, int values,
-                       int width) {
+Biquad FloatBiquad(const float* c, int values) {
+  return values == 3 ? Biquad{c[0], c[1], 0, c[2], 0} : Biquad{c[0], c[1], c[2], c[3], c[4]};
+}
+
+Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t* group, int values, int width) {
   SectionView s;
   s.name = name;
   s.iwl = static_cast<int>(group[0]);

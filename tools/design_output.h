@@ -1,20 +1,18 @@
 // The result of one `heron design` run, in a form shared by the designers'
-// adapters (design_*.cpp) and the printers (cmd_design.cpp).
+// adapters (design_*.cpp), which fill it from the catalogue's run functions,
+// and the renderers (design_render.cpp), which only print it.
 #ifndef QUILLHERON_TOOLS_DESIGN_OUTPUT_H_
 #define QUILLHERON_TOOLS_DESIGN_OUTPUT_H_
 
-#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "design_requests.h"
 #include "response.h"
 
 namespace heron_tool {
-
-// Word width of a fixed-point format; 0 for float.
-int FormatWidth(const std::string& format);
 
 // One section made readable: real-valued coefficients (fixed-point words
 // divided by 2^(W - iwl)), the stored words beside them for fixed point.
@@ -26,10 +24,22 @@ struct SectionView {
   std::vector<int64_t> words;          // fixed point only
 };
 
+// One response curve: a cascade in the library's float convention. Curves
+// come in pairs: the float design, then (fixed point) its de-quantised form.
+struct Curve {
+  std::string name;   // "Butterworth low-pass, order 2"
+  std::string key;    // JSON key suffix: "" for the main pair, "highpass"
+  bool quantised = false;
+  int pair = 0;       // 0 the main pair, 1 the second
+  std::vector<Biquad> sections;
+  double gain = 1.0;
+};
+
 struct DesignOutput {
   std::string design;
-  std::string format;
+  qh_design::Format format = qh_design::Format::kFloat;
   int rate = 0;
+  bool rate_applies = true;       // false for distprev (always three rates)
   int result = 0;
   std::string reject_reason;      // set when result is -1000
 
@@ -39,83 +49,63 @@ struct DesignOutput {
   std::string header_hex;         // distprev only
 
   std::vector<SectionView> sections;
-
-  // For --response and --plot: the float design, and for fixed point the
-  // de-quantised coefficients. Empty when the design has no response.
-  std::string response_label;
-  std::vector<Biquad> float_sections;
-  double float_gain = 1.0;
-  std::vector<Biquad> quantised_sections;
-  double quantised_gain = 1.0;
-  bool has_quantised = false;
-  // A second curve (the crossover's high-pass half).
-  std::string second_label;
-  std::vector<Biquad> second_float_sections;
-  std::vector<Biquad> second_quantised_sections;
+  std::vector<Curve> curves;      // empty when the design has no response
 };
 
 // A fixed-point word as a real value: v / 2^(W - iwl), computed exactly in
 // double (no engine conventions applied).
 double Dequantise(int64_t word, int width, int iwl);
 
-// Appends a section read from `words` at [iwl, b0, b1, b2, A1, A2] (or fewer
+// Appends a section read from `group` at [iwl, b0, b1, b2, A1, A2] (or fewer
 // values for a first-order group of three) and returns it as a biquad.
-Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t* group, int values,
-                       int width);
+Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t* group, int values, int width);
 // The same for float coefficients [b0, b1, b2, A1, A2] (or b0, b1, A1).
 Biquad AddFloatSection(DesignOutput* out, const std::string& name, const float* coefs, int values);
+// A group of 3 (b0, b1, A1) or 5 float values as a biquad.
+Biquad FloatBiquad(const float* coefs, int values);
 
-// Runs the fixed-point member for `width` into out->words (`words` long,
-// zeroed first): `run16` gets an int16_t buffer, `run32` an int32_t buffer
-// and the width (32 or 24), so each family's three members stay one call.
-template <typename Run16, typename Run32>
-void RunFixedDesign(DesignOutput* out, size_t words, int width, Run16 run16, Run32 run32) {
-  out->float_output = false;
-  out->words.assign(words, 0);
+// Runs `request` in out->format into out->floats or out->words (zeroed
+// first) and a zeroed workspace; sets out->result.
+template <typename Request>
+void RunDesigner(const Request& request, DesignOutput* out) {
+  const int length = qh_design::OutputLength(request, out->format);
+  std::vector<unsigned char> workspace(qh_design::WorkspaceBytes(request, out->format), 0);
+  qh_design::DesignBuffers buffers;
+  buffers.workspace = workspace.data();
+  const int width = qh_design::WordWidth(out->format);
+  out->float_output = width == 0;
+  if (width == 0) {
+    out->floats.assign(length, 0.0f);
+    buffers.floats = out->floats.data();
+    out->result = qh_design::Run(request, out->format, buffers);
+    return;
+  }
+  std::vector<int32_t> w32(width == 16 ? 0 : length, 0);
+  std::vector<int16_t> w16(width == 16 ? length : 0, 0);
+  buffers.words32 = w32.data();
+  buffers.words16 = w16.data();
+  out->result = qh_design::Run(request, out->format, buffers);
   if (width == 16) {
-    std::vector<int16_t> w(words, 0);
-    out->result = run16(w.data());
-    std::copy(w.begin(), w.end(), out->words.begin());
+    out->words.assign(w16.begin(), w16.end());
   } else {
-    std::vector<int32_t> w(words, 0);
-    out->result = run32(w.data(), width);
-    std::copy(w.begin(), w.end(), out->words.begin());
+    out->words.assign(w32.begin(), w32.end());
   }
 }
 
-// Designer adapters. Each validates its own options (throwing ToolError with
-// status 2 for usage errors), runs the library's designer and fills `out`.
-struct ButterworthOptions {
-  std::string type = "low";
-  double cutoff = 1000;
-  int order = 2;
-};
-struct PeqOptions {
-  std::vector<std::string> bands;
-};
-struct ThumpxOptions {
-  int speaker_size = 0;
-  double bass_ctrl = 0.333499998, hp_ratio = 0.5, ext_bass = 0.8, lp_ratio = 5.5;
-  double pre_lp_freq = 500, harm_hp_freq = 44, clip_level = 1.5;
-};
-struct CrossoverOptions {
-  double freq = 300;
-};
-struct DistprevOptions {
-  int count = 2;
-  int nf_mode = 0;
-  double nf_thld = 0, nf_sense = 0, nf_attk_thld = 0, nf_attk_ms = 200, nf_rel_ms = 50;
-  int nf_band_ct = 0;
-  double nf_base_freq = 100, nf_base_q = 10, nf_base_attn_max = 0;
-  int nf_spacing = 0, nf_width = 0;
-  double nf_slope = 0;
-};
+// Designer adapters: each runs the catalogue's request for its family and
+// fills `out`, with the reject reason from the catalogue's contract check.
+void DesignButterworth(const qh_design::ButterworthRequest& request, DesignOutput* out);
+void DesignPeq(const qh_design::PeqRequest& request, DesignOutput* out);
+void DesignThumpx(const qh_design::ThumpxRequest& request, DesignOutput* out);
+void DesignCrossover(const qh_design::CrossoverRequest& request, DesignOutput* out);
+void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out);
 
-void DesignButterworth(const ButterworthOptions& o, DesignOutput* out);
-void DesignPeq(const PeqOptions& o, DesignOutput* out);
-void DesignThumpx(const ThumpxOptions& o, DesignOutput* out);
-void DesignCrossover(const CrossoverOptions& o, DesignOutput* out);
-void DesignDistprev(const DistprevOptions& o, DesignOutput* out);
+// The renderers, one per output kind. `responses` holds one response per
+// curve of `d` (empty when none was asked for).
+using Response = std::vector<std::pair<double, double>>;
+void PrintDesignText(const DesignOutput& d, const std::vector<Response>& responses);
+void PrintDesignJson(const DesignOutput& d, const std::vector<Response>& responses);
+std::string RenderDesignSvg(const DesignOutput& d, const std::vector<Response>& responses);
 
 }  // namespace heron_tool
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "coef_test_support.h"
+#include "design_requests.h"
 #include "quillheron_filterdesign.h"
 
 namespace {
@@ -174,9 +175,13 @@ TEST(CoefLoaders, ThumpxDesignFallback) {
     // and a zeroed scratch area.
     std::int32_t want[63];
     alignas(8) unsigned char work[864] = {};
-    ASSERT_EQ(OVA_THUMPX_FilterDesignFxp32(100, 0.333499998f, 0.5f, 0.8f, 48000, want, 5.5f, 500.0f, 44.0f,
-                                           1.5f, 0x3F800000, work),
-              0);
+    qh_design::ThumpxRequest request;  // the schema defaults
+    request.custom_speaker_size = 100;
+    request.reserved = 0x3F800000;
+    qh_design::DesignBuffers out;
+    out.words32 = want;
+    out.workspace = work;
+    ASSERT_EQ(qh_design::Run(request, qh_design::Format::kFxp32, out), 0);
     for (int i = 0; i < 63; ++i) EXPECT_EQ(rec.i32(kThumpx + 4 * i), want[i]) << i;
     EXPECT_TRUE(rec.untouched(kThumpx + 252, coeftest::kRecordBytes));
   }

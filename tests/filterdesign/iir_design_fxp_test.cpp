@@ -82,27 +82,4 @@ TEST(IirDesignFxp, SixteenBitNumeratorsAreExactlySymmetric) {
   }
 }
 
-template <typename Word, typename Design>
-void CheckRejectionWritesNothing(Design design) {
-  struct {
-    float fc;
-    int type;
-  } const kRejected[] = {{24000.0f, QH_IIR_LOWPASS}, {30000.0f, QH_IIR_HIGHPASS}, {1000.0f, 2}, {1000.0f, -1}};
-  for (const auto& r : kRejected) {
-    Word out[14];
-    std::memset(out, 0x5A, sizeof out);
-    Word untouched[14];
-    std::memcpy(untouched, out, sizeof out);
-    std::vector<unsigned char> ws(QH_IirDesignWorkspaceBytes(2));
-    EXPECT_EQ(-1000, design(r.fc, 4, 48000, r.type, out, ws.data()));
-    EXPECT_EQ(0, std::memcmp(untouched, out, sizeof out)) << r.fc << " " << r.type;
-  }
-}
-
-TEST(IirDesignFxp, RejectionWritesNothing) {
-  CheckRejectionWritesNothing<int32_t>(OVA_IirFilterDesignFxp32);
-  CheckRejectionWritesNothing<int32_t>(OVA_IirFilterDesignFxp24);
-  CheckRejectionWritesNothing<int16_t>(OVA_IirFilterDesignFxp16);
-}
-
 }  // namespace

@@ -54,32 +54,6 @@ TEST(McDynFloat, HalvesAreComplementaryButterworthSections) {
   }
 }
 
-struct RejectCase {
-  float freq;
-  int rate;
-  int expected;
-};
-// The limit is (float)(rate / 2) with an integer division.
-const RejectCase kRejects[] = {{24000.0f, 48000, -1000}, {23999.0f, 48000, 0},
-                               {22050.0f, 44101, -1000}, {22049.5f, 44101, 0},
-                               {30000.0f, 32000, -1000}};
-
-TEST(McDyn, HalfTheRateIsRejectedAndNothingIsWritten) {
-  for (const RejectCase& c : kRejects) {
-    SCOPED_TRACE(testing::Message() << c.freq << " Hz at " << c.rate);
-    float f[QH_MCDYN_FLOAT_LENGTH];
-    int32_t w[QH_MCDYN_FIXED_LENGTH];
-    for (float& x : f) x = 7.0f;
-    for (int32_t& x : w) x = 0x11223344;
-    EXPECT_EQ(QUILL_McDyn_FilterDesignFloat(c.freq, c.rate, f), c.expected);
-    EXPECT_EQ(QUILL_McDyn_FilterDesignFxp32(c.freq, c.rate, w), c.expected);
-    if (c.expected != 0) {
-      for (float x : f) EXPECT_EQ(x, 7.0f);
-      for (int32_t x : w) EXPECT_EQ(x, 0x11223344);
-    }
-  }
-}
-
 int64_t RoundSat32(double x) {
   const double r = std::round(x);  // halves away from zero
   if (r > 2147483647.0) return 2147483647;

@@ -30,51 +30,6 @@ struct Workspace {
   std::vector<unsigned char> storage;
 };
 
-TEST(PeqDesign, FloatRejectionKeepsEarlierBandsAndWritesNoGain) {
-  struct {
-    float bad_freq;
-    int rate;
-  } const kRejected[] = {{24000.0f, 48000}, {22050.0f, 44101}, {40000.0f, 32000}, {4000.0f, 8001}};
-  for (const auto& r : kRejected) {
-    const OVAParametriceqBandSpec bands[3] = {
-        {PEQ_BAND_TYPE_PEAKING, 500.0f, 1.0f, 3.0f, 0},
-        {PEQ_BAND_TYPE_PEAKING, r.bad_freq, 1.0f, 3.0f, 0},
-        {PEQ_BAND_TYPE_PEAKING, 800.0f, 1.0f, 3.0f, 0},
-    };
-    const OVAParametriceqSpec request{3, bands, r.rate};
-    float out[17];
-    std::memset(out, 0x5A, sizeof out);
-    float untouched;
-    std::memset(&untouched, 0x5A, sizeof untouched);
-    EXPECT_EQ(-1000, OVA_ParametriceqDesignFloat(&request, out));
-    EXPECT_NE(0, std::memcmp(&untouched, &out[0], sizeof untouched)) << "first band designed";
-    for (int i = 5; i < 17; ++i) EXPECT_EQ(0, std::memcmp(&untouched, &out[i], sizeof untouched)) << i;
-  }
-}
-
-template <typename Word, typename Design>
-void CheckFixedRejectionWritesNothing(Design design) {
-  const OVAParametriceqBandSpec bands[2] = {
-      {PEQ_BAND_TYPE_NOTCH, 500.0f, 1.0f, 0.0f, 0},
-      {PEQ_BAND_TYPE_NOTCH, 22050.0f, 1.0f, 0.0f, 0},
-  };
-  const OVAParametriceqSpec request{2, bands, 44100};
-  Word out[15];
-  std::memset(out, 0x5A, sizeof out);
-  Word untouched[15];
-  std::memcpy(untouched, out, sizeof out);
-  Workspace ws(QH_IirDesignWorkspaceBytes(2));
-  EXPECT_EQ(-1000, design(&request, out, ws.get()));
-  EXPECT_EQ(0, std::memcmp(untouched, out, sizeof out));
-}
-
-TEST(PeqDesign, FixedRejectionWritesNothing) {
-  CheckFixedRejectionWritesNothing<int32_t>(OVA_ParametriceqDesignFxp32NoScale);
-  CheckFixedRejectionWritesNothing<int32_t>(OVA_ParametriceqDesignFxp32);
-  CheckFixedRejectionWritesNothing<int32_t>(OVA_ParametriceqDesignFxp24);
-  CheckFixedRejectionWritesNothing<int16_t>(OVA_ParametriceqDesignFxp16);
-}
-
 TEST(PeqDesign, NoBandsWritesOnlyTheGain) {
   const OVAParametriceqSpec request{0, nullptr, 48000};
   float f[2] = {-5.0f, -5.0f};

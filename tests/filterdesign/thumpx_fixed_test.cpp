@@ -29,22 +29,19 @@ struct Workspace {
 
 // All three widths as 64-bit values, for one harness.
 std::vector<int64_t> DesignFxp(int width, const Params& p, void* ws, int* rc) {
+  const qh_design::Format format =
+      width == 32 ? qh_design::Format::kFxp32 : width == 24 ? qh_design::Format::kFxp24 : qh_design::Format::kFxp16;
+  int32_t out32[QH_THUMPX_FIXED_LENGTH];
+  int16_t out16[QH_THUMPX_FIXED_LENGTH];
+  for (auto& w : out32) w = 0x5A5A5A5A;
+  for (auto& w : out16) w = 0x5A5A;
+  qh_design::DesignBuffers b;
+  b.words32 = out32;
+  b.words16 = out16;
+  b.workspace = ws;
+  *rc = qh_design::Run(p, format, b);
   std::vector<int64_t> words(QH_THUMPX_FIXED_LENGTH);
-  if (width == 16) {
-    int16_t out[QH_THUMPX_FIXED_LENGTH];
-    for (auto& w : out) w = 0x5A5A;
-    *rc = OVA_THUMPX_FilterDesignFxp16(p.size, p.bass_ctrl, p.hp_ratio, p.ext_bass, p.rate, out,
-                                       p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq, p.clip_level, 0,
-                                       ws);
-    for (int i = 0; i < QH_THUMPX_FIXED_LENGTH; ++i) words[i] = out[i];
-  } else {
-    int32_t out[QH_THUMPX_FIXED_LENGTH];
-    for (auto& w : out) w = 0x5A5A5A5A;
-    auto fn = width == 32 ? OVA_THUMPX_FilterDesignFxp32 : OVA_THUMPX_FilterDesignFxp24;
-    *rc = fn(p.size, p.bass_ctrl, p.hp_ratio, p.ext_bass, p.rate, out, p.lp_ratio, p.pre_lp_freq,
-             p.harm_hp_freq, p.clip_level, 0, ws);
-    for (int i = 0; i < QH_THUMPX_FIXED_LENGTH; ++i) words[i] = out[i];
-  }
+  for (int i = 0; i < QH_THUMPX_FIXED_LENGTH; ++i) words[i] = width == 16 ? out16[i] : out32[i];
   return words;
 }
 
@@ -74,20 +71,6 @@ const Group kGroups[] = {{0, 3, 0},   {3, 5, 4},   {8, 3, 10},  {11, 5, 14},
                          {16, 3, 20}, {19, 5, 24}, {24, 3, 30}, {27, 5, 34},
                          {32, 5, 40}, {37, 5, 46}, {42, 3, 52}};
 
-TEST(ThumpxFixed, RejectedDesignsWriteNothing) {
-  Params p = kDefaults;
-  p.size = 601;
-  Workspace ws;
-  for (int width : kWidths) {
-    int rc = 0;
-    const std::vector<int64_t> w = DesignFxp(width, p, ws.At(0), &rc);
-    EXPECT_EQ(rc, -1000);
-    for (int i = 0; i < QH_THUMPX_FIXED_LENGTH; ++i) {
-      EXPECT_EQ(w[i], width == 16 ? 0x5A5A : 0x5A5A5A5A) << width << " word " << i;
-    }
-  }
-}
-
 // Every group holds the smallest iwl that fits its largest value, followed by
 // the values rounded to W - iwl fraction bits. The 16-bit b1 words of the
 // two repaired sections are checked separately.
@@ -100,7 +83,7 @@ TEST(ThumpxFixed, GroupsQuantiseTheFloatDesign) {
     ASSERT_EQ(thumpx_test::DesignFloat(p, ref), 0);
     for (int width : kWidths) {
       for (int misalign : {0, 3}) {  // the designer aligns the workspace itself
-        SCOPED_TRACE(testing::Message() << "size " << p.size << " width " << width << " offset "
+        SCOPED_TRACE(testing::Message() << "size " << p.custom_speaker_size << " width " << width << " offset "
                                         << misalign);
         Workspace ws;
         ws.FillFloats(0.0f);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string>
 
+#include "design_requests.h"
 #include "sweep_sink.h"
 
 namespace qh_identity {
@@ -37,6 +38,34 @@ struct Scratch {
 
 // Scratch is large; the groups share one static instance.
 Scratch& SharedScratch();
+
+// Runs `request` in `format` through the designer catalogue, into the
+// pattern-filled scratch output and a zeroed workspace, and appends the result
+// code and the whole output to the sink. Returns the result and the buffers.
+struct SweepRun {
+  int result;
+  qh_design::DesignBuffers out;
+};
+template <class Request>
+SweepRun SweepDesign(SweepSink& sink, const Request& request, qh_design::Format format) {
+  Scratch& s = SharedScratch();
+  const int width = qh_design::WordWidth(format);
+  const int n = qh_design::OutputLength(request, format);
+  qh_design::DesignBuffers b;
+  if (width == 0) {
+    b.floats = s.FloatOut();
+  } else {
+    if (width == 16) b.words16 = s.I16Out();
+    else b.words32 = s.I32Out();
+    b.workspace = s.Work();
+  }
+  const int result = qh_design::Run(request, format, b);
+  sink.I32(result);
+  if (width == 0) sink.F32s(b.floats, n);
+  else if (width == 16) sink.I16s(b.words16, n);
+  else sink.I32s(b.words32, n);
+  return {result, b};
+}
 
 inline std::string Fmt(const char* format, double a = 0, double b = 0, double c = 0,
                        double d = 0, double e = 0, double f = 0) {

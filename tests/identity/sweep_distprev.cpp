@@ -37,7 +37,7 @@ void DesignPair(SweepSink& sink, const Block* blocks, int count, int label) {
   std::memset(&header, kFillByte, sizeof header);
   std::memset(records, kFillByte, sizeof records);
   sink.Begin(Fmt("distprev blocks from %g, count %g", label, count));
-  sink.I32(quill_distprev_config_designer(&header, records, blocks, count));
+  sink.I32(qh_design::Run(qh_design::DistprevRequest{blocks, count}, &header, records));
   sink.Raw(&header, sizeof header);
   sink.Raw(records, sizeof records);
 }

@@ -130,38 +130,28 @@ const float kCutoffs[] = {20.0f,   63.5f,   200.0f,  1000.0f, 3150.0f,
                           10000.0f, 15999.9f, 20000.0f, 22050.0f, 24000.0f};
 
 void SweepButterworthOne(SweepSink& sink, int rate, float fc, int order, int type) {
+  using qh_design::Format;
   Scratch& s = SharedScratch();
   const int floats = QH_IirFloatLength(order);
-  const int words = QH_IirFixedLength(order);
   const std::string what = Fmt("fs=%g fc=%g order=%g type=%g", rate, fc, order, type);
+  const qh_design::ButterworthRequest request{fc, order, rate, type};
 
   sink.Begin("butterworth float " + what);
-  float* f = s.FloatOut();
-  const int designed = OVA_IirFilterDesignFloat(fc, order, rate, type, f);
-  sink.I32(designed);
-  sink.F32s(f, floats);
+  const int designed = SweepDesign(sink, request, Format::kFloat).result;
   float design[5 * 4 + 1];
-  std::memcpy(design, f, sizeof design);
+  std::memcpy(design, s.out, sizeof design);
 
   sink.Begin("butterworth fxp32 " + what);
-  int32_t* w32 = s.I32Out();
-  sink.I32(OVA_IirFilterDesignFxp32(fc, order, rate, type, w32, s.Work()));
-  sink.I32s(w32, words);
   int32_t fixed[26];
-  std::memcpy(fixed, w32, sizeof fixed);
-  f = s.FloatOut();
+  std::memcpy(fixed, SweepDesign(sink, request, Format::kFxp32).out.words32, sizeof fixed);
+  float* f = s.FloatOut();
   OVA_Fxp32IIRToFloat(fixed, order, f);
   sink.F32s(f, floats);
 
   sink.Begin("butterworth fxp24 " + what);
-  w32 = s.I32Out();
-  sink.I32(OVA_IirFilterDesignFxp24(fc, order, rate, type, w32, s.Work()));
-  sink.I32s(w32, words);
-
+  SweepDesign(sink, request, Format::kFxp24);
   sink.Begin("butterworth fxp16 " + what);
-  int16_t* w16 = s.I16Out();
-  sink.I32(OVA_IirFilterDesignFxp16(fc, order, rate, type, w16, s.Work()));
-  sink.I16s(w16, words);
+  SweepDesign(sink, request, Format::kFxp16);
 
   // The float design scaled by itself (the exported scaling entry).
   if (designed != 0) return;

@@ -11,36 +11,21 @@ constexpr int kMaxBands = 8;
 
 void DesignAll(SweepSink& sink, const std::string& label, const OVAParametriceqBandSpec* bands,
                int count, int rate) {
-  Scratch& s = SharedScratch();
-  const OVAParametriceqSpec request = {count, bands, rate};
-  const int floats = 5 * (count > 0 ? count : 0) + 1;
-  const int words = 6 * (count > 0 ? count : 0) + 2;
-
+  using qh_design::Format;
+  const qh_design::PeqRequest request = {count, bands, rate};
   sink.Begin("peq float " + label);
-  float* f = s.FloatOut();
-  sink.I32(OVA_ParametriceqDesignFloat(&request, f));
-  sink.F32s(f, floats);
-
+  SweepDesign(sink, request, Format::kFloat);
   sink.Begin("peq fxp32 noscale " + label);
-  int32_t* w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp32NoScale(&request, w, s.Work()));
-  sink.I32s(w, words);
+  SweepDesign(sink, request, Format::kFxp32NoScale);
   if (count <= 0) return;  // the scaled designers leave band_count 0 open
-
-  sink.Begin("peq fxp32 " + label);
-  w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp32(&request, w, s.Work()));
-  sink.I32s(w, words);
-
-  sink.Begin("peq fxp24 " + label);
-  w = s.I32Out();
-  sink.I32(OVA_ParametriceqDesignFxp24(&request, w, s.Work()));
-  sink.I32s(w, words);
-
-  sink.Begin("peq fxp16 " + label);
-  int16_t* h = s.I16Out();
-  sink.I32(OVA_ParametriceqDesignFxp16(&request, h, s.Work()));
-  sink.I16s(h, words);
+  const struct {
+    const char* name;
+    Format format;
+  } kScaled[] = {{"fxp32", Format::kFxp32}, {"fxp24", Format::kFxp24}, {"fxp16", Format::kFxp16}};
+  for (const auto& scaled : kScaled) {
+    sink.Begin(std::string("peq ") + scaled.name + " " + label);
+    SweepDesign(sink, request, scaled.format);
+  }
 }
 
 const int kRates[] = {32000, 44100, 48000, 12347};
@@ -80,9 +65,10 @@ void SweepParametricEq(SweepSink& sink) {
         // The float design through the exported scaling pass, not-a-number
         // and infinite coefficients included.
         Scratch& s = SharedScratch();
-        const OVAParametriceqSpec request = {1, &band, rate};
-        float* f = s.FloatOut();
-        if (OVA_ParametriceqDesignFloat(&request, f) != 0) continue;
+        const qh_design::PeqRequest request = {1, &band, rate};
+        qh_design::DesignBuffers out;
+        float* f = out.floats = s.FloatOut();
+        if (qh_design::Run(request, qh_design::Format::kFloat, out) != 0) continue;
         sink.Begin("peq scaled " + label);
         OVA_ScaleCascadedTransposedDirectForm2IIR(f, 2, s.Work());
         sink.F32s(f, 6);

@@ -1,7 +1,6 @@
 // Sweep of the bass-enhancement and crossover designers: speaker sizes across
 // every size band of the boost, level and shelf rules, several tuning sets
 // (including rejected ones), every rate, every width.
-#include "quillheron_filterdesign.h"
 #include "sweep_cases.h"
 
 namespace qh_identity {
@@ -31,39 +30,27 @@ const int kRates[] = {32000, 44100, 48000, 96000};
 }  // namespace
 
 void SweepThumpx(SweepSink& sink) {
-  Scratch& s = SharedScratch();
+  using qh_design::Format;
+  const Format kWidths[] = {Format::kFloat, Format::kFxp32, Format::kFxp24, Format::kFxp16};
   int t = 0;
   for (const Tuning& p : kTunings) {
     for (int rate : kRates) {
       for (int size : kSizes) {
         const std::string what = Fmt("tuning=%g fs=%g size=%g", t, rate, size);
-        sink.Begin("thumpx float " + what);
-        float* f = s.FloatOut();
-        sink.I32(OVA_THUMPX_FilterDesignFloat(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, f,
-                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
-                                              p.clip_level, 0));
-        sink.F32s(f, QH_THUMPX_FLOAT_LENGTH);
-
-        sink.Begin("thumpx fxp32 " + what);
-        int32_t* w = s.I32Out();
-        sink.I32(OVA_THUMPX_FilterDesignFxp32(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, w,
-                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
-                                              p.clip_level, 0, s.Work()));
-        sink.I32s(w, QH_THUMPX_FIXED_LENGTH);
-
-        sink.Begin("thumpx fxp24 " + what);
-        w = s.I32Out();
-        sink.I32(OVA_THUMPX_FilterDesignFxp24(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, w,
-                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
-                                              p.clip_level, 0, s.Work()));
-        sink.I32s(w, QH_THUMPX_FIXED_LENGTH);
-
-        sink.Begin("thumpx fxp16 " + what);
-        int16_t* h = s.I16Out();
-        sink.I32(OVA_THUMPX_FilterDesignFxp16(size, p.bass_ctrl, p.hp_ratio, p.ext_bass, rate, h,
-                                              p.lp_ratio, p.pre_lp_freq, p.harm_hp_freq,
-                                              p.clip_level, 0, s.Work()));
-        sink.I16s(h, QH_THUMPX_FIXED_LENGTH);
+        qh_design::ThumpxRequest r;
+        r.custom_speaker_size = size;
+        r.bass_ctrl = p.bass_ctrl;
+        r.hp_ratio = p.hp_ratio;
+        r.ext_bass = p.ext_bass;
+        r.sampling_rate = rate;
+        r.lp_ratio = p.lp_ratio;
+        r.pre_lp_freq = p.pre_lp_freq;
+        r.harm_hp_freq = p.harm_hp_freq;
+        r.clip_level = p.clip_level;
+        for (qh_design::Format format : kWidths) {
+          sink.Begin(std::string("thumpx ") + qh_design::FormatName(format) + " " + what);
+          SweepDesign(sink, r, format);
+        }
       }
     }
     ++t;
@@ -71,20 +58,16 @@ void SweepThumpx(SweepSink& sink) {
 }
 
 void SweepCrossover(SweepSink& sink) {
-  Scratch& s = SharedScratch();
   const float kFreqs[] = {20.0f,    80.0f,    300.0f,   1000.0f,  5000.0f,
                           12000.0f, 16000.0f, 22049.0f, 22050.0f, 24000.0f};
   const int kCrossRates[] = {32000, 44100, 44101, 48000, 96000};
   for (int rate : kCrossRates) {
     for (float fc : kFreqs) {
+      const qh_design::CrossoverRequest r{fc, rate};
       sink.Begin(Fmt("crossover float fs=%g fc=%g", rate, fc));
-      float* f = s.FloatOut();
-      sink.I32(QUILL_McDyn_FilterDesignFloat(fc, rate, f));
-      sink.F32s(f, QH_MCDYN_FLOAT_LENGTH);
+      SweepDesign(sink, r, qh_design::Format::kFloat);
       sink.Begin(Fmt("crossover fxp32 fs=%g fc=%g", rate, fc));
-      int32_t* w = s.I32Out();
-      sink.I32(QUILL_McDyn_FilterDesignFxp32(fc, rate, w));
-      sink.I32s(w, QH_MCDYN_FIXED_LENGTH);
+      SweepDesign(sink, r, qh_design::Format::kFxp32);
     }
   }
 }

@@ -33,6 +33,52 @@ design_plot)
   contains "$T/r.svg" "Frequency (Hz)"
   contains "$T/r.svg" "de-quantised"
   ;;
+design_refusals)
+  # Designs a person did not mean: arguments | the one-line message.
+  while IFS='|' read -r args message; do
+    # shellcheck disable=SC2086
+    expect 2 "$HERON" design $args </dev/null
+    [ "$(cat "$T/err")" = "$message" ] || fail "'$args' said '$(cat "$T/err")', not '$message'"
+    [ -s "$T/out" ] && fail "'$args' printed a design"
+  done <<'EOF_CASES'
+peq --band peaking,1000,0,6|heron: --band: band 0 (peaking): the Q 0 is not finite and positive
+peq --band 0,1000,1,0 --band lowshelf,100,-1,3|heron: --band: band 1 (lowshelf): the shelf slope (Q) -1 is not finite and positive
+peq --band highpass,1000,0,inf|heron: --band: band 0 (highpass): the resonance (gain) inf dB is not finite
+peq --band notch,nan,2,0|heron: --band: band 0 (notch): the frequency nan Hz is not finite and positive
+peq --band gain,0,0,nan|heron: --band: band 0 (gain): the gain nan dB is not finite
+butterworth --type low --cutoff 1000 --order 17|heron: --order: the order 17 is outside 1 to 16
+butterworth --type high --cutoff 0 --order 2|heron: --cutoff: the cut-off 0 Hz is not finite and positive
+crossover --freq -300|heron: --freq: the crossover frequency -300 Hz is not finite and positive
+thumpx --speaker-size 100 --pre-lp-freq 0|heron: --pre-lp-freq: pre_lp_freq 0 Hz is not finite and positive
+distprev --nf-band-ct 7|heron: --nf-band-ct: nf_band_ct 7 is outside 0 to 6
+distprev --nf-base-q 0|heron: --nf-base-q: nf_base_q 0 is not finite and positive
+distprev --nf-attk-ms 0|heron: --nf-attk-ms: the attack time 0 ms is not finite and positive
+distprev --nf-rel-ms -5|heron: --nf-rel-ms: the release time -5 ms is not finite and positive
+EOF_CASES
+  # Neither frequency nor Q of a gain band, nor the Q of a low-pass, is checked.
+  expect 0 "$HERON" design peq --band gain,0,0,6 --band lowpass,1000,0,3
+  ;;
+design_unchecked)
+  # The engine's own computation: NaN coefficients, result 0.
+  expect 0 "$HERON" design peq --band peaking,1000,0,6 --unchecked
+  contains "$T/out" "band 0:  b0 nan"
+  expect 0 "$HERON" design distprev --nf-band-ct 7 --count 1 --unchecked
+  contains "$T/out" "notch band 5"
+  # Only the did-not-mean checks are skipped: the designer still rejects.
+  expect 3 "$HERON" design butterworth --type low --cutoff 30000 --order 20 --unchecked
+  ;;
+design_plot_not_svg)
+  expect 2 "$HERON" design butterworth --type low --cutoff 1000 --order 2 --plot "$T/r.png"
+  contains "$T/err" "^heron: --plot: '.*r.png' does not end in .svg"
+  [ -e "$T/r.png" ] && fail "a .png file was written"
+  ;;
+design_distprev_rate)
+  expect 0 "$HERON" design distprev --rate 44100
+  contains "$T/err" "^heron: --rate: does not apply to distprev, which always designs 48000, 44100 and 32000 Hz$"
+  contains "$T/out" "^distprev, record: result 0$"
+  expect 0 "$HERON" design distprev
+  [ -s "$T/err" ] && fail "a note without --rate"
+  ;;
 *)
   fail "unknown case $CASE"
   ;;

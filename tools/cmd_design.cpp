@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "design_bands.h"
+#include "design_analysis.h"
 #include "design_output.h"
 #include "designer_catalogue.h"
 #include "message_io.h"
@@ -25,6 +26,10 @@ struct CommonOptions {
   bool response = false;
   bool unchecked = false;
   std::string plot;
+  std::string csv;
+  bool phase = false;
+  bool group_delay = false;
+  double tolerance_db = kDefaultToleranceDb;
   CLI::Option* rate_option = nullptr;
 };
 
@@ -146,28 +151,30 @@ int RunDesign(const DesignerEntry& entry, const CommonOptions& c, Build build, D
   RefuseUnmeant(request, c);
   design(request, &d);
 
-  std::vector<Response> responses;  // one per curve, computed once
-  if (d.result == 0 && (c.response || !c.plot.empty())) {
-    for (const Curve& curve : d.curves) {
-      responses.push_back(MagnitudeResponseDb(curve.sections, curve.gain, d.rate, LogFrequencyGrid(d.rate)));
-    }
+  const bool want_responses = c.response || !c.plot.empty() || !c.csv.empty();
+  const std::vector<Response> responses = d.result == 0 && want_responses ? CurveResponses(d) : std::vector<Response>{};
+  const RenderOptions render{c.phase, c.group_delay};
+  OutputSet outputs;
+  if (d.result == 0 && (!c.plot.empty() || !c.csv.empty())) {
+    if (responses.empty()) throw ToolError{c.plot.empty() ? c.csv : c.plot, "this design has no response to show"};
+    if (!c.plot.empty()) outputs.Add(c.plot, RenderDesignSvg(d, responses, render));
+    if (!c.csv.empty()) outputs.Add(c.csv, RenderDesignCsv(d, responses, render));
   }
-  if (d.result == 0 && !c.plot.empty()) {
-    if (responses.empty()) throw ToolError{c.plot, "this design has no response to plot"};
-    const std::string svg = RenderDesignSvg(d, responses);
-    WriteFileAtomically(c.plot, svg.data(), svg.size());
-  }
+  outputs.Commit();
+  const DesignAnalysis analysis = AnalyseDesign(d, c.tolerance_db);
   const std::vector<Response> shown = c.response ? responses : std::vector<Response>{};
   if (c.json) {
-    PrintDesignJson(d, shown);
+    PrintDesignJson(d, shown, render, analysis);
   } else if (d.result == 0) {
-    PrintDesignText(d, shown);
+    PrintDesignText(d, shown, render, analysis);
   }
   if (d.result != 0) {
     std::fprintf(stderr, "heron: %s design rejected: %s\n", entry.name, d.reject_reason.c_str());
     return kExitNegativeResult;
   }
-  return kExitOk;
+  // Written, but not what was asked: a quantised section on or outside the
+  // unit circle, saturated words, too large an error, silence.
+  return analysis.problems.empty() ? kExitOk : kExitFindings;
 }
 
 CLI::App* AddDesigner(CLI::App* design, Family family, std::shared_ptr<CommonOptions> c) {
@@ -181,6 +188,12 @@ CLI::App* AddDesigner(CLI::App* design, Family family, std::shared_ptr<CommonOpt
   sub->add_flag("--json", c->json, "print one JSON object");
   sub->add_flag("--response", c->response, "add the magnitude response (dB, from 10 Hz to half the rate)");
   sub->add_option("--plot", c->plot, "draw the response into this SVG file")->option_text("FILE.svg");
+  sub->add_option("--csv", c->csv, "write the response (Hz, then dB, degrees, samples per curve) to this CSV file");
+  sub->add_flag("--phase", c->phase, "add the phase (degrees) to --response, --plot and --csv");
+  sub->add_flag("--group-delay", c->group_delay, "add the group delay (samples) to --response, --plot and --csv");
+  sub->add_option("--tolerance-db", c->tolerance_db,
+                  "fixed point: the largest magnitude error (dB) against the float design that is not a problem")
+      ->capture_default_str();
   sub->add_flag("--unchecked", c->unchecked,
                 "skip the checks for designs a person did not mean (a frequency, Q, shelf slope, base Q or "
                 "attack/release time not finite and positive, a gain not finite, an order outside 1 to 16, "

@@ -32,8 +32,25 @@ Biquad AddBandSlot(DesignOutput* out, const std::string& name, const int32_t* sl
   SectionView& s = out->sections.back();
   s.coef_names.push_back("gain");
   s.words.push_back(slot[gain.word_first + 1]);
-  s.values.push_back(Dequantise(slot[gain.word_first + 1], 32, slot[gain.word_first]));
+  s.values.push_back(quillheron::analysis::WordValue(slot[gain.word_first + 1], 32, slot[gain.word_first]));
   return b;
+}
+
+// A slot as a one-section cascade with its gain, against the record's own
+// float form of it (b0 b1 b2 A1 A2 gain).
+void AnalyseSlot(DesignOutput* out, const std::string& name, int rate_index, const int32_t* slot,
+                 const float* design) {
+  const qh_design::OutputGroup section = qh_design::CascadeSection(0), gain = qh_design::CascadeGain(1);
+  int64_t words[6];
+  std::copy(slot + section.word_first, slot + section.word_first + 1 + section.values, words);
+  Analysed a;
+  a.name = name;
+  a.rate = qh_design::kDistprevRates[rate_index];
+  AddAnalysedGroup(&a, FloatBiquad(design, section.values), words, section.values, 32);
+  a.reference.gain = design[section.values];
+  a.quantised.gain = quillheron::analysis::WordValue(slot[gain.word_first + 1], 32, slot[gain.word_first]);
+  a.coefficient_words.push_back(slot[gain.word_first + 1]);
+  out->analysed.push_back(a);
 }
 
 }  // namespace
@@ -73,12 +90,17 @@ void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out
       const std::string where =
           "record " + std::to_string(k) + ", " + std::to_string(qh_design::kDistprevRates[r]) + " Hz, ";
       for (int b = 0; b < qh_design::kDistprevBandsPerRate; ++b) {
-        AddBandSlot(out, where + "sense band " + std::to_string(b),
-                    &rec.sense_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
+        const std::string name = where + "sense band " + std::to_string(b);
+        AddBandSlot(out, name, &rec.sense_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
+        AnalyseSlot(out, name, r, &rec.sense_band_coeffs[qh_design::DistprevSlotWord(r, b)],
+                    &rec.sense_band_coeffs_float32[qh_design::DistprevSlotFloat(r, b)]);
       }
+      // Notch slots past the band count stay zero: not analysed.
       for (int b = 0; b < bands; ++b) {
-        const Biquad q = AddBandSlot(out, where + "notch band " + std::to_string(b),
-                                     &rec.notch_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
+        const std::string name = where + "notch band " + std::to_string(b);
+        const Biquad q = AddBandSlot(out, name, &rec.notch_band_coeffs[qh_design::DistprevSlotWord(r, b)]);
+        AnalyseSlot(out, name, r, &rec.notch_band_coeffs[qh_design::DistprevSlotWord(r, b)],
+                    &rec.notch_band_coeffs_float32[qh_design::DistprevSlotFloat(r, b)]);
         if (k == 0 && r == kShownRate) {
           design.sections.push_back(FloatBiquad(&rec.notch_band_coeffs_float32[qh_design::DistprevSlotFloat(r, b)], 5));
           quantised.sections.push_back(q);
@@ -87,6 +109,7 @@ void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out
     }
   }
   if (!design.sections.empty()) out->curves = {design, quantised};
+  out->detail = std::to_string(count) + " design" + (count == 1 ? "" : "s");
 }
 
 }  // namespace heron_tool

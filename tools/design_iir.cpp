@@ -1,4 +1,5 @@
 // heron design butterworth|peq|crossover: cascades of biquad sections.
+#include <cstdio>
 #include <string>
 
 #include "design_output.h"
@@ -41,6 +42,8 @@ void AddCascade(DesignOutput* out, const std::vector<std::string>& names, const 
   const int sections = static_cast<int>(names.size());
   const int width = qh_design::WordWidth(out->format);
   std::vector<Biquad> design, quantised;
+  Analysed analysed;
+  analysed.rate = out->rate;
   for (int s = 0; s < sections; ++s) {
     const qh_design::OutputGroup g = qh_design::CascadeSection(s);
     design.push_back(FloatBiquad(&cascade[g.float_first], g.values));
@@ -48,6 +51,7 @@ void AddCascade(DesignOutput* out, const std::vector<std::string>& names, const 
       AddFloatSection(out, names[s], &out->floats[g.float_first], g.values);
     } else {
       quantised.push_back(AddFixedSection(out, names[s], &out->words[g.word_first], g.values, width));
+      AddAnalysedGroup(&analysed, design.back(), &out->words[g.word_first], g.values, width);
     }
   }
   const qh_design::OutputGroup g = qh_design::CascadeGain(sections);
@@ -59,11 +63,23 @@ void AddCascade(DesignOutput* out, const std::vector<std::string>& names, const 
   } else {
     gain.iwl = static_cast<int>(out->words[g.word_first]);
     gain.words = {out->words[g.word_first + 1]};
-    gain.values = {Dequantise(gain.words[0], width, *gain.iwl)};
+    gain.values = {quillheron::analysis::WordValue(gain.words[0], width, *gain.iwl)};
   }
   out->sections.push_back(gain);
   out->curves.push_back(CascadeCurve(label, design, cascade[g.float_first], false));
-  if (width != 0) out->curves.push_back(CascadeCurve(label, quantised, gain.values[0], true));
+  if (width != 0) {
+    out->curves.push_back(CascadeCurve(label, quantised, gain.values[0], true));
+    analysed.reference.gain = cascade[g.float_first];
+    analysed.quantised.gain = gain.values[0];
+    analysed.coefficient_words.push_back(gain.words[0]);
+    out->analysed.push_back(analysed);
+  }
+}
+
+std::string Hz(double hz) {
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%g Hz", hz);
+  return buf;
 }
 
 }  // namespace
@@ -79,6 +95,7 @@ void DesignButterworth(const qh_design::ButterworthRequest& request, DesignOutpu
   for (int s = 0; s < sections; ++s) names.push_back("section " + std::to_string(s));
   if (request.order % 2 == 1) names[0] += " (first order)";
   const std::string type = request.filter_type == QH_IIR_LOWPASS ? "low" : "high";
+  out->detail = "cut-off " + Hz(request.cutoff_hz);
   AddCascade(out, names, FloatDesign(request), "Butterworth " + type + "-pass, order " + std::to_string(request.order));
 }
 
@@ -91,7 +108,27 @@ void DesignPeq(const qh_design::PeqRequest& request, DesignOutput* out) {
   const int n = request.band_count;
   std::vector<std::string> names;
   for (int i = 0; i < n; ++i) names.push_back("band " + std::to_string(i));
-  AddCascade(out, names, FloatDesign(request), "parametric EQ, " + std::to_string(n) + (n == 1 ? " band" : " bands"));
+  const std::vector<float> cascade = FloatDesign(request);
+  AddCascade(out, names, cascade, "parametric EQ, " + std::to_string(n) + (n == 1 ? " band" : " bands"));
+  // Each band's own float response, drawn faintly beside the cascade.
+  for (int i = 0; i < n && n > 1; ++i) {
+    const qh_design::OutputGroup g = qh_design::CascadeSection(i);
+    Curve band = CascadeCurve(names[i], {FloatBiquad(&cascade[g.float_first], g.values)}, 1.0, false);
+    band.faint = true;
+    out->curves.push_back(band);
+  }
+  for (int i = 0; i < n; ++i) {
+    const OVAParametriceqBandSpec& b = request.bands[i];
+    if (i == 2) {
+      out->detail += "; ...";
+      break;
+    }
+    const char* type = qh_design::BandTypeName(b.type);
+    char buf[96];
+    std::snprintf(buf, sizeof buf, "%s%s %g Hz Q %g %+g dB", i ? "; " : "", type ? type : "type ?",
+                  b.center_freq, b.q, b.gain);
+    out->detail += buf;
+  }
 }
 
 void DesignCrossover(const qh_design::CrossoverRequest& request, DesignOutput* out) {
@@ -112,18 +149,35 @@ void DesignCrossover(const qh_design::CrossoverRequest& request, DesignOutput* o
     c.pair = pair;
     out->curves.push_back(c);
     if (fixed) {
-      c.sections = {AddFixedSection(out, g.name, &out->words[g.word_first], g.values, qh_design::WordWidth(out->format))};
+      const int width = qh_design::WordWidth(out->format);
+      c.sections = {AddFixedSection(out, g.name, &out->words[g.word_first], g.values, width)};
       c.quantised = true;
       quantised.push_back(c);
+      Analysed a;
+      a.name = g.name;
+      a.rate = out->rate;
+      AddAnalysedGroup(&a, out->curves.back().sections[0], &out->words[g.word_first], g.values, width);
+      out->analysed.push_back(a);
     } else {
       AddFloatSection(out, g.name, &out->floats[g.float_first], g.values);
     }
     ++pair;
   }
-  // Curves in pairs: float design, then de-quantised, for each half.
+  // Curves in pairs: float design, then de-quantised, for each half; then
+  // the sum of the two halves.
+  if (fixed) out->curves = {out->curves[0], quantised[0], out->curves[1], quantised[1]};
+  Curve sum;
+  sum.name = "sum of both halves";
+  sum.key = "sum";
+  sum.pair = 2;
+  sum.sum_of = fixed ? std::vector<int>{0, 2} : std::vector<int>{0, 1};
+  out->curves.push_back(sum);
   if (fixed) {
-    out->curves = {out->curves[0], quantised[0], out->curves[1], quantised[1]};
+    sum.quantised = true;
+    sum.sum_of = {1, 3};
+    out->curves.push_back(sum);
   }
+  out->detail = "crossover " + Hz(request.crossover_freq);
 }
 
 }  // namespace heron_tool

@@ -4,8 +4,6 @@
 
 namespace heron_tool {
 
-double Dequantise(int64_t word, int width, int iwl) { return std::ldexp(static_cast<double>(word), iwl - width); }
-
 namespace {
 
 Biquad ToBiquad(const std::vector<double>& v) {
@@ -32,7 +30,7 @@ Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t
   s.coef_names = CoefNames(values);
   for (int i = 0; i < values; ++i) {
     s.words.push_back(group[1 + i]);
-    s.values.push_back(Dequantise(group[1 + i], width, *s.iwl));
+    s.values.push_back(quillheron::analysis::WordValue(group[1 + i], width, *s.iwl));
   }
   const Biquad b = ToBiquad(s.values);
   out->sections.push_back(std::move(s));
@@ -47,6 +45,14 @@ Biquad AddFloatSection(DesignOutput* out, const std::string& name, const float* 
   const Biquad b = ToBiquad(s.values);
   out->sections.push_back(std::move(s));
   return b;
+}
+
+void AddAnalysedGroup(Analysed* a, const Biquad& design, const int64_t* group, int values, int width) {
+  a->reference.sections.push_back(design);
+  a->quantised.sections.push_back(quillheron::analysis::FixedSection(group, values, width));
+  a->coefficient_words.insert(a->coefficient_words.end(), group + 1, group + 1 + values);
+  a->numerator_words.insert(a->numerator_words.end(), group + 1, group + (values == 3 ? 3 : 4));
+  a->width = width;
 }
 
 }  // namespace heron_tool

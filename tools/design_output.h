@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "design_requests.h"
-#include "response.h"
+#include "design_response.h"
 
 namespace heron_tool {
 
@@ -26,6 +26,9 @@ struct SectionView {
 
 // One response curve: a cascade in the library's float convention. Curves
 // come in pairs: the float design, then (fixed point) its de-quantised form.
+// A curve with `sum_of` is the sum of those curves' complex responses (a
+// crossover's two halves); a `faint` curve (one band of an EQ) is drawn
+// lightly and only in the plot.
 struct Curve {
   std::string name;   // "Butterworth low-pass, order 2"
   std::string key;    // JSON key suffix: "" for the main pair, "highpass"
@@ -33,6 +36,19 @@ struct Curve {
   int pair = 0;       // 0 the main pair, 1 the second
   std::vector<Biquad> sections;
   double gain = 1.0;
+  std::vector<int> sum_of;
+  bool faint = false;
+};
+
+// A fixed-point cascade of the output and the float design it stands for,
+// for the quantisation analysis.
+struct Analysed {
+  std::string name;  // "", or the group or slot ("harmonics high-pass")
+  quillheron::analysis::Cascade reference, quantised;
+  std::vector<int64_t> coefficient_words;  // stored coefficient and gain words, no iwl
+  std::vector<int64_t> numerator_words;    // stored b0 b1 b2 words
+  int width = 32;
+  int rate = 0;
 };
 
 struct DesignOutput {
@@ -50,11 +66,9 @@ struct DesignOutput {
 
   std::vector<SectionView> sections;
   std::vector<Curve> curves;      // empty when the design has no response
+  std::vector<Analysed> analysed; // fixed point only
+  std::string detail;             // what was asked, for titles: "cut-off 1000 Hz"
 };
-
-// A fixed-point word as a real value: v / 2^(W - iwl), computed exactly in
-// double (no engine conventions applied).
-double Dequantise(int64_t word, int width, int iwl);
 
 // Appends a section read from `group` at [iwl, b0, b1, b2, A1, A2] (or fewer
 // values for a first-order group of three) and returns it as a biquad.
@@ -63,6 +77,9 @@ Biquad AddFixedSection(DesignOutput* out, const std::string& name, const int64_t
 Biquad AddFloatSection(DesignOutput* out, const std::string& name, const float* coefs, int values);
 // A group of 3 (b0, b1, A1) or 5 float values as a biquad.
 Biquad FloatBiquad(const float* coefs, int values);
+// Adds a fixed-point group (iwl, then 3 or 5 values) to an analysed cascade:
+// its section, and its words.
+void AddAnalysedGroup(Analysed* a, const Biquad& design, const int64_t* group, int values, int width);
 
 // Runs `request` in out->format into out->floats or out->words (zeroed
 // first) and a zeroed workspace; sets out->result.
@@ -100,12 +117,24 @@ void DesignThumpx(const qh_design::ThumpxRequest& request, DesignOutput* out);
 void DesignCrossover(const qh_design::CrossoverRequest& request, DesignOutput* out);
 void DesignDistprev(const qh_design::DistprevRequest& request, DesignOutput* out);
 
+// What the renderers show besides the sections.
+struct RenderOptions {
+  bool phase = false;
+  bool group_delay = false;
+};
+using Response = std::vector<ResponsePoint>;
+
+// One response per curve of `d`, on the design's grid.
+std::vector<Response> CurveResponses(const DesignOutput& d);
+
 // The renderers, one per output kind. `responses` holds one response per
 // curve of `d` (empty when none was asked for).
-using Response = std::vector<std::pair<double, double>>;
-void PrintDesignText(const DesignOutput& d, const std::vector<Response>& responses);
-void PrintDesignJson(const DesignOutput& d, const std::vector<Response>& responses);
-std::string RenderDesignSvg(const DesignOutput& d, const std::vector<Response>& responses);
+void PrintDesignText(const DesignOutput& d, const std::vector<Response>& responses, const RenderOptions& o,
+                     const struct DesignAnalysis& analysis);
+void PrintDesignJson(const DesignOutput& d, const std::vector<Response>& responses, const RenderOptions& o,
+                     const struct DesignAnalysis& analysis);
+std::string RenderDesignSvg(const DesignOutput& d, const std::vector<Response>& responses, const RenderOptions& o);
+std::string RenderDesignCsv(const DesignOutput& d, const std::vector<Response>& responses, const RenderOptions& o);
 
 }  // namespace heron_tool
 

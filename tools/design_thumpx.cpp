@@ -19,6 +19,7 @@ void DesignThumpx(const qh_design::ThumpxRequest& request, DesignOutput* out) {
   const std::vector<float>& floats = design.floats;
   const qh_design::DesignerEntry& entry = *qh_design::FindDesigner(qh_design::Family::kThumpx);
   const int width = qh_design::WordWidth(out->format);
+  out->detail = "speaker size " + std::to_string(request.custom_speaker_size);
 
   Curve boost, quantised;
   boost.name = quantised.name = "bass-boost path (peaks and shelf)";
@@ -32,6 +33,16 @@ void DesignThumpx(const qh_design::ThumpxRequest& request, DesignOutput* out) {
     } else {
       const Biquad b = AddFixedSection(out, group.name, &out->words[group.word_first], group.values, width);
       if (shown) quantised.sections.push_back(b);
+      // Each biquad group is its own filter; the group the designer leaves
+      // unwritten (all zero in the float design) is not analysed.
+      const Biquad design = FloatBiquad(&floats[group.float_first], group.values);
+      if (design.b0 != 0 || design.b1 != 0 || design.b2 != 0 || design.a1 != 0 || design.a2 != 0) {
+        Analysed a;
+        a.name = group.name;
+        a.rate = out->rate;
+        AddAnalysedGroup(&a, design, &out->words[group.word_first], group.values, width);
+        out->analysed.push_back(a);
+      }
     }
   }
   out->curves.push_back(boost);

@@ -1,4 +1,5 @@
-// Draws magnitude responses as an SVG chart: dB over log frequency.
+// Draws responses as an SVG chart: one panel a quantity (magnitude in dB,
+// phase, group delay) over a shared log-frequency axis.
 #ifndef QUILLHERON_TOOLS_SVG_PLOT_H_
 #define QUILLHERON_TOOLS_SVG_PLOT_H_
 
@@ -12,11 +13,20 @@ struct PlotCurve {
   std::string label;
   std::string colour;  // any SVG colour
   bool dashed = false;
-  std::vector<std::pair<double, double>> points;  // (Hz, dB)
+  bool faint = false;  // thin and light, left out of the legend
+  std::vector<std::pair<double, double>> points;  // (Hz, value)
 };
 
-// A complete SVG document with labelled axes, a grid and a legend.
-std::string RenderResponseSvg(const std::string& title, const std::vector<PlotCurve>& curves);
+struct PlotPanel {
+  std::string axis;       // "Magnitude (dB)"
+  bool db_marks = false;  // label 0 dB and mark -3 dB
+  std::vector<PlotCurve> curves;
+};
+
+// A complete SVG document: the title, then the panels one above the other,
+// each with labelled axes, a grid and a legend. A curve with no finite point
+// is named in its panel as "not a number" instead of being drawn.
+std::string RenderChartSvg(const std::string& title, const std::vector<PlotPanel>& panels);
 
 }  // namespace heron_tool
 

@@ -28,10 +28,41 @@ design_rejections)
   contains "$T/out" '"result": -1000'
   ;;
 design_plot)
-  expect 0 "$HERON" design butterworth --type high --cutoff 200 --order 4 --format fxp16 --plot "$T/r.svg"
+  expect 0 "$HERON" design butterworth --type high --cutoff 200 --order 4 --format fxp16 --plot "$T/r.svg" \
+    --phase --group-delay --csv "$T/r.csv"
   head -c 4 "$T/r.svg" | grep -q '<svg' || fail "no SVG written"
-  contains "$T/r.svg" "Frequency (Hz)"
-  contains "$T/r.svg" "de-quantised"
+  for text in "Frequency (Hz)" "de-quantised" "cut-off 200 Hz" ">0 dB<" ">-3 dB<" "Phase (degrees)" "Group delay (samples)"; do
+    contains "$T/r.svg" "$text"
+  done
+  contains "$T/r.csv" '^hz,"Butterworth high-pass, order 4 (float design) dB","[^"]* degrees","[^"]* samples",'
+  [ "$(wc -l <"$T/r.csv")" -eq 201 ] || fail "the CSV does not hold the 200-point grid"
+  # A crossover's sum, each parametric band faintly, and a not-a-number design named.
+  expect 0 "$HERON" design crossover --freq 300 --plot "$T/x.svg"
+  contains "$T/x.svg" "sum of both halves"
+  expect 0 "$HERON" design peq --band peaking,1000,2,6 --band lowshelf,100,0.7,-3 --plot "$T/p.svg"
+  contains "$T/p.svg" 'stroke-opacity="0.7"'
+  expect 0 "$HERON" design peq --band peaking,1000,0,6 --unchecked --plot "$T/n.svg"
+  contains "$T/n.svg" "not a number"
+  ;;
+design_analysis)
+  # fxp16 puts both poles of a 20 Hz high-pass on the unit circle (A1 + A2 = 1):
+  # written, but not what was asked (exit 4).
+  expect 4 "$HERON" design butterworth --type high --cutoff 20 --order 4 --format fxp16
+  contains "$T/out" "^problem: section 0: marginal, pole radius 1 (a pole on the unit circle)$"
+  contains "$T/out" "^problem: magnitude error [0-9.]* dB at [0-9.]* Hz, above the tolerance of 0.5 dB$"
+  expect 4 "$HERON" design butterworth --type high --cutoff 20 --order 4 --format fxp16 --json
+  contains "$T/out" '"analysis": {"max_error_db": [0-9.]*, "at_hz": [0-9.]*, "silent": false, "saturated": 0, "sections": \[{"name": "section 0", "pole_radius": 1.0, "stability": "marginal"}'
+  # Healthy designs stay clean, the iwl 0 one and the limiter's high-pass half included.
+  for args in "butterworth --type low --cutoff 12000 --order 2 --format fxp32" "crossover --freq 5000 --format fxp32" \
+              "thumpx --speaker-size 100 --format fxp32" "distprev --nf-band-ct 6"; do
+    # shellcheck disable=SC2086
+    expect 0 "$HERON" design $args
+    contains "$T/out" "^analysis: largest magnitude error .* sections stable; no saturated words$"
+  done
+  # A zero-Q band, unchecked: a silent cascade is itself a problem.
+  expect 4 "$HERON" design peq --band peaking,1000,0,6 --unchecked --format fxp32
+  contains "$T/out" "^problem: silent: every stored numerator word is zero$"
+  expect 0 "$HERON" design butterworth --type high --cutoff 20 --order 4 --format fxp32 --tolerance-db 1
   ;;
 design_refusals)
   # Designs a person did not mean: arguments | the one-line message.

@@ -4,8 +4,9 @@
 #include <stdio.h>
 #include <string.h>
 
+/* Both include forms: with the directory, and bare. */
 #include <quillheron/quillheron_c.h>
-#include <quillheron/quillheron_version.h>
+#include <quillheron_version.h>
 
 int main(void) {
   static const unsigned char route[] = {0x1A, 0x06, 0x12, 0x04, 0x12, 0x02, 0x18, 0x06};

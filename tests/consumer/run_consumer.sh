@@ -13,6 +13,7 @@
 #                   with a clear message
 # usage: run_consumer.sh <step> <work> <cmake> <build-dir> <source-dir> <generator>
 #                        <cxx> <cc> <cxx-flags> <linker-flags>
+# The C++ flags (a sanitizer lane's, say) serve for C as well.
 set -eu
 STEP=$1 WORK=$2 CMAKE=$3 BUILD=$4 SRC=$5 GEN=$6 CXX=$7 CC=$8 CXXFLAGS=$9
 shift 9
@@ -26,7 +27,7 @@ configure() {  # configure <source> <build> [extra cmake args]
   rm -rf "$bld"
   "$CMAKE" -S "$src" -B "$bld" -G "$GEN" -DCMAKE_PREFIX_PATH="$PREFIX" \
     -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_C_COMPILER="$CC" \
-    -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_EXE_LINKER_FLAGS="$LDFLAGS" "$@"
+    -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_C_FLAGS="$CXXFLAGS" -DCMAKE_EXE_LINKER_FLAGS="$LDFLAGS" "$@"
 }
 
 case $STEP in

@@ -3,6 +3,39 @@
 // Threading: const methods may be called from several threads at once; a
 // destination record or message must not be shared between concurrent calls.
 // The library keeps no mutable global state.
+//
+// !! POPULATE NEVER CLEARS A RECORD, AND load_defaults DOES NOTHING !!
+// Every populate writes only what the settings hold (present fields, the
+// tables found for the rate); every other byte keeps what was there. The
+// load_defaults flags call loadDefaults(), which is empty. So a record
+// reused for another route keeps the regions that route does not set (rooms,
+// headphone EQ, coefficients of an effect it leaves out), and the engine
+// plays them. Start every populate from a zeroed record:
+//     _quillHeronPremixApiCtrl premix;
+//     std::memset(&premix, 0, sizeof premix);
+//     auto postmix = std::make_unique<_quillHeronPostmixApiCtrlCoeffs>();  // 66108 bytes
+//     std::memset(postmix.get(), 0, sizeof *postmix);
+// The postmix populate runs its steps in a fixed order and stops at the first
+// negative result: the later steps are skipped and what the earlier ones wrote
+// stays written. Nothing is rolled back.
+//
+// Result codes (int): 0 success (kOk); 1 nothing to do (kNothingToDo: a model
+// lookup with no identifier); -1000 the route holds no heron_v1_1 settings,
+// nothing written (kNoSettings); -999 a room identifier is in no model
+// (kRoomNotFound); -998 a coefficient table is missing for the rate, an entry
+// is missing, or a designer refused its parameters (kCoefficientFailure);
+// -997 a negative Enhance2.ref_htest, or a room or headphone EQ larger than
+// its region (kNegativeRefHtest). The bool converts always return true.
+//
+// The designers this class calls for Thumpx, MBHL crossovers and distortion
+// prevention assume the default floating-point environment (see
+// quillheron_filterdesign.h): populate from a thread that has not set
+// flush-to-zero or another rounding mode.
+//
+// Records are laid out in quillHeronCtrlRecords.h and quillHeronCoeffRecords.h;
+// values cross unchanged: every control field holds exactly the integer of the
+// message field, in the engine's own unit, and coefficients are copied, never
+// re-quantised.
 #ifndef QUILLHERON_PBCONVERT_HERON_V1_1_H_
 #define QUILLHERON_PBCONVERT_HERON_V1_1_H_
 
@@ -57,7 +90,8 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
 
   int sampleRate() const { return sampleRate_; }
 
-  // Default loaders. Both do nothing: the caller prepares the record.
+  // Default loaders. Both do nothing: the caller prepares the record (zero
+  // it; see above). The load_defaults arguments below only call these.
   void loadDefaults(_quillHeronPremixApiCtrl& record) const;
   void loadDefaults(_quillHeronPostmixApiCtrlCoeffs& record) const;
 
@@ -65,6 +99,12 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
   const HeronSettings* findHeronSettings(const RouteConfiguration& route) const;
 
   // ---- Faders (premix true: premixFader, false: postmixFader) -------------
+  // The five values, in the engine's units and passed through unchanged:
+  // shadow; out_length, hold_length, in_length: the lengths of the fade-out,
+  // hold and fade-in phases; state. Populate writes all five (an absent fader
+  // or field reads as its default: 1, 1, 0, 1, 0) and returns 0, or -1000
+  // with the outputs untouched. Convert sets all five, creating the fader
+  // message; always true.
   int populate(const RouteConfiguration& route, int& shadow, int& out_length,
                int& hold_length, int& in_length, int& state, bool premix) const;
   // REQUIRES: settings != nullptr.
@@ -72,6 +112,11 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
                int state, bool premix, HeronSettings* settings) const;
 
   // ---- Premix ---------------------------------------------------------------
+  // Populate: present Premix fields, bypass_mode (first 5), Enhance2 and
+  // Steady; 0, or -1000 from a route without settings. A negative
+  // Enhance2.ref_htest is stored but does not fail the premix. Never clears.
+  // Convert: sets every field; does not clear Premix first, so htest and
+  // ref_htest accumulate 7 more values on each call. Always true.
   int populate(const RouteConfiguration& route,
                _quillHeronPremixApiCtrl& record, bool load_defaults) const;
   int populate(const HeronSettings& settings, _quillHeronPremixApiCtrl& record,
@@ -88,7 +133,8 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
   // ---- Technology blocks ------------------------------------------------------
   // Populate copies present fields only and leaves the block untouched when
   // the path to the message is absent (Geq10b zeroes its reserved word
-  // always). Convert creates missing messages on the path, never clears them.
+  // always); no result. Convert creates missing messages on the path, never
+  // clears them.
   void populate(const HeronSettings& settings, _quillSteadyApiCtrl& block) const;
   void populate(const HeronSettings& settings, _quillBrioApiCtrl& block) const;
   void populate(const HeronSettings& settings, _quillOva3dApiCtrl& block) const;
@@ -131,6 +177,10 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
                HeronSettings* settings, bool with_room_models) const;
 
   // ---- Coefficient loaders: 0 or -998 -------------------------------------------
+  // Each copies the table of the converter's rate (or designs from the design
+  // parameters) into its region of the record, leaving the rest of the region
+  // as it was; a failure leaves what was already copied. LoadHeronHPF has no
+  // failure; LoadBrioCrossover always returns 0.
   void LoadHeronHPF(const Postmix& postmix,
                     _quillHeronPostmixApiCtrlCoeffs& record) const;
   int LoadBrioHPF(const Postmix& postmix,
@@ -151,6 +201,8 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
                                 _quillHeronPostmixApiCtrlCoeffs& record) const;
 
   // ---- Coefficient reverse converters ---------------------------------------------
+  // Each appends one CoefTable per native array, at the converter's rate,
+  // with every capacity element (no trimming); identifiers are nullGuid.
   void convert(const _quillBrioHpfApiCoeff& coeff, HeronSettings* settings) const;
   void convert(const _quillTHUMPXApiCoeff& coeff, HeronSettings* settings) const;
   void convert(const _quillBrioXoverApiCoeff& coeff, HeronSettings* settings) const;

@@ -12,15 +12,34 @@
 
 // All records are little-endian, naturally aligned, 4-byte aligned at most and
 // declared without packing, so the layout is the same on 32-bit Arm and x86-64.
-// Array lengths are the engine's capacities; a loader fills only a prefix.
+// Array lengths are the engine's capacities; a loader fills only a prefix, and
+// the rest of the array keeps what it held (populate never clears; zero the
+// record first).
+//
+// Coefficient formats. The converter copies integers as the settings carry
+// them (CoefTable coeff_32 or coeff_16), never re-quantising; they are the
+// fixed-point cascades the designers of quillheron_filterdesign.h write:
+//   W-bit cascade of order N, S = (N + 1) / 2 sections, 6*S + 2 words:
+//     per section  iwl, b0, b1, b2, A1, A2   (coefficient c = word / 2^(W - iwl))
+//     then         gain iwl, gain
+//   !! A1 AND A2 ARE STORED NEGATED !!: y = b0 x0 + b1 x1 + b2 x2 + A1 y1 + A2 y2.
+// W = 32 for int32_t arrays, 16 for int16_t arrays (iwl words included).
 
-// Output high-pass filter of the postmix.
+// Output high-pass filter of the postmix (record offset 58548, 84 bytes).
+// coeffs: a 32-bit cascade (W = 32) from Hpf coeff_32; up to order 5 fits
+// (6*3 + 2 = 20 words). A table of more than 20 values is not copied.
 struct _quillHeronHpfApiCoeff {
   uint32_t order;       //  0: filter order
   int32_t coeffs[20];   //  4: coefficients, 32-bit words
 };
 
-// One channel bank of the acoustic EQ. fir_order -1 means "no FIR stage".
+// One channel bank of the acoustic EQ (1344 bytes).
+// iir_coeffs: a 32-bit cascade (W = 32) of iir_order, 24 when the settings
+//   give none: 12 sections, 6*12 + 2 = 74 words.
+// fir_coeffs: FIR taps, 32-bit words as the settings carry them (firCoefs
+//   coeff_32); fir_order -1 means "no FIR stage". Populate loads only the IIR
+//   stages: loading an acoustic EQ clears the whole region, then writes
+//   fir_order -1 and the IIR orders and tables.
 struct _quillAeqApiBankCoeff {
   int32_t iir_order;         //   0
   int32_t fir_order;         //   4
@@ -28,38 +47,53 @@ struct _quillAeqApiBankCoeff {
   int32_t fir_coeffs[260];   // 304
 };
 
-// Two-channel acoustic EQ: bank 0 at 0, bank 1 at 1344.
+// Two-channel acoustic EQ (record offset 58632, 2688 bytes): bank 0 at 0,
+// bank 1 at 1344, from the first two filter banks of the chosen coef.Aeq.
 struct _quillAeqApiCoeff {
   _quillAeqApiBankCoeff bank[2];
 };
 
-// Stereo-enhancer high-pass. order 0 leaves the coefficients alone on load.
+// Stereo-enhancer high-pass (record offset 61320, 44 bytes). order 0 leaves
+// the coefficients alone on load. coeffs: a 16-bit cascade (W = 16) from
+// BrioHpf coeff_16, up to order 5 (20 halfwords). (The reverse convert writes
+// them to coeff_32, which the loader does not read.)
 struct _quillBrioHpfApiCoeff {
   uint32_t order;       //  0
   int16_t coeffs[20];   //  4: 16-bit words
 };
 
-// Stereo-enhancer crossover: a low-pass and a high-pass branch.
+// Stereo-enhancer crossover (record offset 61364, 60 bytes): a low-pass and a
+// high-pass branch, each a 16-bit cascade (W = 16) from BrioXover coeff_16,
+// up to order 4 (14 halfwords).
 struct _quillBrioXoverApiCoeff {
   uint32_t order;           //  0
   int16_t lpf_coeffs[14];   //  4
   int16_t hpf_coeffs[14];   // 32
 };
 
-// Bass enhancement: 63 words in the order of the 32-bit bass designer.
+// Bass enhancement (record offset 61424, 252 bytes): 63 words in the order of
+// the 32-bit bass designer (OVA_THUMPX_FilterDesignFxp32: eleven iwl-led
+// groups in words 0..55, then the tuning values; see quillheron_filterdesign.h).
 struct _quillTHUMPXApiCoeff {
   int32_t coeffs[63];
 };
 
-// Multi-band limiter crossovers, each (iwl, b0, b1, b2, A1, A2) low-pass then
-// (iwl, b0, b1, b2, A1, A2) high-pass as the 32-bit crossover designer writes them.
+// Multi-band limiter crossovers (record offset 61676, 96 bytes), each
+// (iwl, b0, b1, b2, A1, A2) low-pass then (iwl, b0, b1, b2, A1, A2) high-pass,
+// 32-bit words, A negated, no gain record, as QUILL_McDyn_FilterDesignFxp32
+// writes them.
 struct _quillMBHLApiCoeff {
   int32_t low_cross_coeffs[12];   //  0
   int32_t mid_cross_coeffs[12];   // 48
 };
 
-// Room record header. The room's int16 coefficients follow the header directly;
-// the record is 40 + 2n bytes for n coefficients.
+// Room record header (multichannel room at record offset 488, 32840 bytes;
+// front at 33328 and wide at 45668, 12340 bytes each). The room's int16
+// coefficients (the binaural room responses, coeff_16 of the room's table for
+// the rate, as the settings carry them) follow the header directly; the
+// record is 40 + 2n bytes for n coefficients, n at most 16400 (multichannel)
+// or 6150. sample_rate in Hz; the other header fields are copied from the
+// roomModel as they stand.
 struct _quillHpcLyraRmData {
   uint8_t uuid[16];        //  0: identifier bytes, first text pair is byte 0
   uint32_t channel_mask;   // 16
@@ -71,8 +105,10 @@ struct _quillHpcLyraRmData {
   // int16_t coeffs[n] at 40
 };
 
-// Headphone-EQ record header. The int16 coefficients follow directly: two leading
-// values, then the two channel responses of equal length; 24 + 2n bytes.
+// Headphone-EQ record header (record offset 58008, 540 bytes). The int16
+// coefficients follow directly: two leading values, then the two channel
+// responses of equal length (ihpir_length taps each, at most 128);
+// 24 + 2n bytes. sample_rate in Hz.
 struct _quillHpcLyraHpeqData {
   uint8_t uuid[16];        //  0
   int32_t sample_rate;     // 16

@@ -3,6 +3,15 @@
 // functions. These bytes are the engine's wire format: every multi-byte field
 // is little-endian and naturally aligned, with no packing; the layout is the
 // same on 32-bit Arm and x86-64. The converter never writes padding bytes.
+//
+// Units: every field holds exactly the integer of the settings message field
+// of the same name, in the engine's own unit; the converter never scales.
+// Where the settings fix a scale it is noted at the field (Q15: 32767 is
+// unity; 2^k: the value 1.0 with k fraction bits). int16 fields receive the
+// low 16 bits of the message value (70000 is stored as 4464) and read back
+// sign-extended.
+// Populate writes present fields only and never clears: zero a record before
+// populating it (see QuillPbConvert_Heron_v1_1.h).
 #ifndef QUILLHERON_CTRL_RECORDS_H_
 #define QUILLHERON_CTRL_RECORDS_H_
 
@@ -155,28 +164,30 @@ typedef struct _quillLyraApiCtrl {
   int32_t super_stereo_coef[4];  // 24
 } _quillLyraApiCtrl;
 
-// Multi-band limiter (80 bytes).
+// Multi-band limiter (80 bytes). The "neutral" values are the settings
+// schema's defaults, the engine's neutral tuning; populate copies them only
+// when the message field is present.
 typedef struct quillMBHLApiCtrls {
   int32_t enable;            //  0
-  int16_t output_gain;       //  4
-  int16_t anti_clip_level;   //  6
+  int16_t output_gain;       //  4  Q15 (neutral 32767, unity)
+  int16_t anti_clip_level;   //  6  Q15 (neutral 6554, 0.2)
   int32_t com_attack;        //  8
   int32_t low_decay;         // 12
   int32_t mid_decay;         // 16
   int32_t high_decay;        // 20
-  int32_t low_ratio;         // 24
-  int32_t mid_ratio;         // 28
-  int32_t high_ratio;        // 32
+  int32_t low_ratio;         // 24  2^28 = 1.0 (neutral)
+  int32_t mid_ratio;         // 28  2^28 = 1.0
+  int32_t high_ratio;        // 32  2^28 = 1.0
   int32_t mode;              // 36
-  int32_t boost;             // 40
-  int32_t low_cross;         // 44
-  int32_t mid_cross;         // 48
-  int32_t low_thresh;        // 52
-  int32_t mid_thresh;        // 56
-  int32_t high_thresh;       // 60
-  int32_t low_makeup;        // 64
-  int32_t mid_makeup;        // 68
-  int32_t high_makeup;       // 72
+  int32_t boost;             // 40  2^20 = 1.0 (neutral)
+  int32_t low_cross;         // 44  Hz (neutral 300)
+  int32_t mid_cross;         // 48  Hz (neutral 2000)
+  int32_t low_thresh;        // 52  ratio scale: 2^27 = 0.5 (neutral)
+  int32_t mid_thresh;        // 56  2^27 = 0.5
+  int32_t high_thresh;       // 60  2^27 = 0.5
+  int32_t low_makeup;        // 64  2^23 = 1.0 (neutral)
+  int32_t mid_makeup;        // 68  2^23 = 1.0
+  int32_t high_makeup;       // 72  2^23 = 1.0
   int32_t dist_prev_enable;  // 76
 } quillMBHLApiCtrls;
 
@@ -188,7 +199,7 @@ typedef struct _quillHeronPostmixApiCtrl {
   int32_t hpf_enable;              //   8
   int32_t limiter;                 //  12
   int32_t lyra_stereo_mode;        //  16
-  int32_t lyra_multi_ch;           //  20
+  int32_t lyra_multi_ch;           //  20  -1 is written as 0
   int32_t lyra_input_gain[6];      //  24
   int32_t bypass_hpeq[6];          //  48
   int32_t aeq_enable[6];           //  72

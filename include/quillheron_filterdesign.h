@@ -3,6 +3,25 @@
 // crossover and distortion-prevention designers built on them.
 // Threading: every function is stateless and works only on its arguments and
 // caller workspaces; concurrent calls are safe when they share no output buffer.
+//
+// !! DEFAULT FLOATING-POINT ENVIRONMENT REQUIRED !!  The designs are computed
+// in float and double and are reproducible bit for bit (the same words on
+// 32-bit Arm and x86-64) only in the default environment: round to nearest,
+// denormals kept (no flush-to-zero, no denormals-are-zero). Audio threads
+// often set FTZ/DAZ (MXCSR on x86, FPSCR.FZ on Arm); that silently changes
+// coefficients of low or narrow filters. Call the designers, and the
+// converter's populate, which calls them, from a thread with the default
+// environment, or save it, reset it (fesetenv(FE_DFL_ENV) plus clearing
+// FTZ/DAZ) and restore it around the call.
+//
+// Checks: each designer rejects (-1000) exactly what its comment below says
+// and nothing else. Other degenerate input is designed as given: a cut-off of
+// 0 or not-a-number, for instance, returns 0 with a degenerate (zero or
+// not-a-number) cascade. Validate requests before designing.
+//
+// Building these sources into another build system: compile them with
+// -ffp-contract=off (no fused multiply-add contraction), as this project
+// does; contraction changes the rounding and so the quantised words.
 #ifndef QUILLHERON_FILTERDESIGN_H_
 #define QUILLHERON_FILTERDESIGN_H_
 
@@ -233,6 +252,12 @@ QH_EXPORT int OVA_ParametriceqDesignFxp16(const OVAParametriceqSpec* request, in
  * REQUIRES: size 40..600, rate 44100, 32000 or 48000, bass_ctrl, hp_ratio,
  * ext_bass in 0..1; otherwise -1000 and nothing is written. reserved is
  * unused. workspace: QH_THUMPX_WORKSPACE_BYTES, any alignment.
+ * !! ZERO THE WORKSPACE of the fixed-point members: the float designer runs
+ * into it (at the pointer rounded up to 8 bytes) and leaves floats 24..26
+ * unwritten, so words 30..33 of the output (the seventh group: its iwl and three
+ * values) quantise whatever bytes 96..107 after that aligned pointer held.
+ * A zeroed workspace gives iwl 0 and three zero words there, as the converter
+ * does; any other contents give other output.
  */
 enum {
   QH_THUMPX_FLOAT_LENGTH = 52,     /* floats of the float designer's output */

@@ -12,7 +12,6 @@
 
 #include <google/protobuf/text_format.h>
 
-#include "design_requests.h"
 #include "quillHeronCoeffRecords.h"
 #include "quillheron_filterdesign.h"
 #include "synthetic_settings.h"
@@ -151,12 +150,11 @@ void LargeAeq(listeningModel& model, const std::string& uuid) {
         bands[b] = {PEQ_BAND_TYPE_TRADITIONAL, static_cast<float>(kFreqs[b] * rate / 48000.0), 1.4f,
                     static_cast<float>(b % 3 - 1), 0};
       }
-      const qh_design::PeqRequest request{12, bands, rate};
+      // The designer's own request struct: these fixtures also serve programs
+      // linked against the shared library alone.
+      const OVAParametriceqSpec request{12, bands, rate};
       std::int32_t words[6 * 12 + 2];
-      qh_design::DesignBuffers out;
-      out.words32 = words;
-      out.workspace = work.data();
-      if (qh_design::Run(request, qh_design::Format::kFxp32, out) != 0) Fail("aeq design");
+      if (OVA_ParametriceqDesignFxp32(&request, words, work.data()) != 0) Fail("aeq design");
       CoefTable* t = AddTable(bank->mutable_iircoefs(), rate);
       for (std::int32_t w : words) t->add_coeff_32(w);
     }

@@ -36,12 +36,18 @@ bool loadBank(const FilterBank* bank, _quillAeqApiBankCoeff* out, int sample_rat
 }  // namespace
 
 int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-              _quillAeqApiCoeff* aeq, int sample_rate) {
+              _quillAeqApiCoeff* aeq, int sample_rate, LoadNote* note) {
   using quill::pb::coef::Aeq;
-  if (models.size() == 0) return QuillPb::kNoTable;
-  const Aeq* entry = findRoutedEntry<Aeq>(
-      models, [](const listeningModel& m) -> const auto& { return m.aeqs(); }, uuid, route);
-  if (entry == nullptr || aeq == nullptr) return QuillPb::kNoTable;
+  std::size_t where = 0;
+  const Aeq* entry =
+      models.size() == 0 ? nullptr
+                         : findRoutedEntry<Aeq>(
+                               models, [](const listeningModel& m) -> const auto& { return m.aeqs(); }, uuid,
+                               route, &where);
+  if (entry == nullptr || aeq == nullptr) {
+    noteReason(note, QUILL_REASON_NOT_FOR_ROUTE);
+    return QuillPb::kNoTable;
+  }
 
   // The two banks used: the first two, or, with three or more, the first two
   // that have a table for the rate (read in place, order kept).
@@ -64,15 +70,24 @@ int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& mo
   // Both banks are attempted; a bank already copied stays when the other fails.
   const bool first = loadBank(banks[0], &aeq->bank[0], sample_rate);
   const bool second = loadBank(banks[1], &aeq->bank[1], sample_rate);
+  if (note != nullptr) {
+    // The count is the number of banks loaded.
+    note->model = models.traceIndex(where);
+    noteSource(note, QUILL_SOURCE_MODEL, sample_rate, int{first} + int{second});
+    if (!(first && second)) noteReason(note, QUILL_REASON_NO_TABLE_FOR_RATE);
+  }
   return first && second ? QuillPb::kOk : QuillPb::kNoTable;
 }
 
 int loadAeqLocators(AudioRoute route, const quill::pb::heron_v1_1::Postmix& postmix,
-                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate) {
+                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate,
+                    LoadNote* note) {
   int result = QuillPb::kNothingToDo;
+  noteReason(note, QUILL_REASON_NONE_LISTED);
   for (const quill::pb::hub::ResourceLocator& locator : postmix.aeqcoef()) {
     if (locator.uuid().empty()) continue;
-    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate);
+    if (note != nullptr) *note = LoadNote{QUILL_SOURCE_NONE, QUILL_REASON_NONE, QUILL_TRACE_MODEL_NONE, 0, 0, &locator.uuid()};
+    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate, note);
     if (result == QuillPb::kOk) break;
   }
   return result;

@@ -45,17 +45,27 @@ const RoomRegion kRoomRegions[] = {
 }  // namespace
 
 int processRoomDataIn(const std::string& uuid, const ModelSequence& models, int* record,
-                      unsigned int capacity, int sample_rate) {
-  if (uuid.empty()) return QuillPb::kNothingToDo;
+                      unsigned int capacity, int sample_rate, LoadNote* note) {
+  if (uuid.empty()) {
+    noteReason(note, QUILL_REASON_EMPTY_IDENTIFIER);
+    return QuillPb::kNothingToDo;
+  }
   for (std::size_t m = 0; m < models.size(); ++m) {
     const listeningModel* model = models.at(m);
     if (model == nullptr) continue;
     for (const roomModel& room : model->rooms()) {
       if (CompareCI(room.uuid(), uuid)) {
-        return QuillPb::loadRoom(&room, record, capacity, sample_rate);
+        noteModelEntry(note, models, m, room, sample_rate);
+        const int result = QuillPb::loadRoom(&room, record, capacity, sample_rate);
+        if (result < 0) {
+          noteReason(note, result == QuillPb::kNoTable ? QUILL_REASON_NO_TABLE_FOR_RATE
+                                                       : QUILL_REASON_DOES_NOT_FIT);
+        }
+        return result;
       }
     }
   }
+  noteReason(note, QUILL_REASON_NOT_FOUND);
   return QuillPb::kNotFound;
 }
 

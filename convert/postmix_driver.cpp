@@ -20,7 +20,7 @@ constexpr int kOk = QuillHeron_v1_1_Pb::kOk;
 constexpr int kNothingToDo = QuillHeron_v1_1_Pb::kNothingToDo;
 
 // The one speaker size whose bass-enhancement coefficients come from the settings.
-constexpr std::int32_t kThumpxCoeffSpeakerSize = 12;
+constexpr std::int32_t kThumpxCoeffSpeakerSize = QUILL_THUMPX_COEFF_SPEAKER_SIZE;
 
 // Room lists in the order they are loaded, each behind its room_mask bit.
 struct RoomStep {

@@ -73,6 +73,10 @@ enum QuillTraceReason {
   QUILL_REASON_COUNT
 };
 
+// The one Thumpx speaker_size whose bass coefficients the driver loads
+// (QUILL_REASON_SPEAKER_SIZE otherwise).
+enum { QUILL_THUMPX_COEFF_SPEAKER_SIZE = 12 };
+
 // Model index values besides 0..n-1 (the caller's list).
 enum { QUILL_TRACE_MODEL_EMBEDDED = -1, QUILL_TRACE_MODEL_NONE = -2 };
 

@@ -1,6 +1,7 @@
 // Coefficient loaders of the postmix filters: output high-pass, stereo-enhancer
 // high-pass and crossover, bass enhancement and limiter crossovers. Each table
 // list is scanned by its own rule; those rules differ on purpose.
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
@@ -75,7 +76,7 @@ int loadCrossoverBranch(Coeffs& record, std::size_t offset, const CoefTableList&
   for (const CoefTable& table : tables) {
     if (table.samplerate() == rate && table.coeff_16_size() > 0) {
       copyTable16(record, offset, table, kXoverCapacity);
-      copied = table.coeff_16_size();
+      copied = std::min(table.coeff_16_size(), static_cast<int>(kXoverCapacity));
     }
   }
   return copied;
@@ -148,7 +149,7 @@ int loadThumpx(const HeronSettings& settings, Coeffs& record, int rate, LoadNote
         result = kFail;
       } else {
         copyTable32(record, kThumpxCoeffs, table, kThumpxCapacity);
-        copied = table.coeff_32_size();
+        copied = std::min(table.coeff_32_size(), static_cast<int>(kThumpxCapacity));
       }
     }
     noteSource(note, QUILL_SOURCE_TABLE, rate, copied);
@@ -194,13 +195,13 @@ int loadMbhlCrossovers(const HeronSettings& settings, Coeffs& record, int rate, 
     int result = kFail;
     if (mbhl.low_cross_coeffs().samplerate() == rate) {
       copyTable32(record, kMbhlLow, mbhl.low_cross_coeffs(), kMbhlCapacity);
-      if (note != nullptr) note->count += mbhl.low_cross_coeffs().coeff_32_size();
+      if (note != nullptr) note->count += std::min(mbhl.low_cross_coeffs().coeff_32_size(), static_cast<int>(kMbhlCapacity));
       result = kOk;
     }
     if (mbhl.mid_cross_coeffs().samplerate() != rate) result = kFail;
     else {
       copyTable32(record, kMbhlMid, mbhl.mid_cross_coeffs(), kMbhlCapacity);
-      if (note != nullptr) note->count += mbhl.mid_cross_coeffs().coeff_32_size();
+      if (note != nullptr) note->count += std::min(mbhl.mid_cross_coeffs().coeff_32_size(), static_cast<int>(kMbhlCapacity));
     }
     if (result != kOk) noteReason(note, QUILL_REASON_NO_TABLE_FOR_RATE);
     return result;

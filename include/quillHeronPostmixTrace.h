@@ -90,7 +90,9 @@ typedef struct QuillTraceEntry {
   int32_t item;     // index of the locator in its list, -1 when not a list
   int32_t model;    // caller's model index, or QUILL_TRACE_MODEL_*
   int32_t rate;     // rate of the table used or of the design parameters, 0 none
-  int32_t count;    // values copied or designed (AEQ: banks loaded), 0 none
+  int32_t count;    // values of the table used (coefficient tables: at most
+                    // the native array's length), values designed, designs
+                    // or records (distortion prevention), AEQ banks loaded
   char uuid[40];    // identifier looked up, NUL-terminated, cut at 39 characters
 } QuillTraceEntry;
 

@@ -35,8 +35,10 @@ bool loadBank(const FilterBank* bank, _quillAeqApiBankCoeff* out, int sample_rat
 
 }  // namespace
 
+template <class Note>
 int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-              _quillAeqApiCoeff* aeq, int sample_rate, LoadNote* note) {
+              _quillAeqApiCoeff* aeq, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   using quill::pb::coef::Aeq;
   std::size_t where = 0;
   const Aeq* entry =
@@ -79,29 +81,39 @@ int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& mo
   return first && second ? QuillPb::kOk : QuillPb::kNoTable;
 }
 
+template <class Note>
 int loadAeqLocators(AudioRoute route, const quill::pb::heron_v1_1::Postmix& postmix,
                     const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate,
-                    LoadNote* note) {
+                    Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   int result = QuillPb::kNothingToDo;
   noteReason(note, QUILL_REASON_NONE_LISTED);
   for (const quill::pb::hub::ResourceLocator& locator : postmix.aeqcoef()) {
     if (locator.uuid().empty()) continue;
-    if (note != nullptr) *note = LoadNote{QUILL_SOURCE_NONE, QUILL_REASON_NONE, QUILL_TRACE_MODEL_NONE, 0, 0, &locator.uuid()};
-    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate, note);
+    noteLookup(note, &locator.uuid());
+    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate, noteArg);
     if (result == QuillPb::kOk) break;
   }
   return result;
 }
 
+template int loadAeqIn(AudioRoute, const std::string&, const ModelSequence&, _quillAeqApiCoeff*, int, NoNote);
+template int loadAeqIn(AudioRoute, const std::string&, const ModelSequence&, _quillAeqApiCoeff*, int, LoadNote*);
+template int loadAeqLocators(AudioRoute, const quill::pb::heron_v1_1::Postmix&, const ModelSequence&,
+                             _quillAeqApiCoeff*, int, NoNote);
+template int loadAeqLocators(AudioRoute, const quill::pb::heron_v1_1::Postmix&, const ModelSequence&,
+                             _quillAeqApiCoeff*, int, LoadNote*);
+
 }  // namespace quillheron
 
 int QuillPb::loadAeq(quill::pb::hub::AudioRoute route, const std::string& uuid,
                      const ModelList& models, _quillAeqApiCoeff* aeq, int sample_rate) {
-  return quillheron::loadAeqIn(route, uuid, quillheron::ModelSequence(models), aeq, sample_rate);
+  return quillheron::loadAeqIn(route, uuid, quillheron::ModelSequence(models), aeq, sample_rate,
+                               quillheron::NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::LoadAeq(AudioRoute route, const Postmix& postmix, const ModelList& models,
                                 _quillHeronPostmixApiCtrlCoeffs& record) const {
   return quillheron::loadAeqLocators(route, postmix, quillheron::ModelSequence(models), &record.aeq,
-                                     sampleRate_);
+                                     sampleRate_, quillheron::NoNote{});
 }

@@ -46,8 +46,10 @@ void copyTaps(void* base, unsigned int capacity, const Int32List& src, std::int6
 
 }  // namespace
 
+template <class Note>
 int processHpeqDataIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-                      int* record, unsigned int capacity, int sample_rate, LoadNote* note) {
+                      int* record, unsigned int capacity, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   std::size_t where = 0;
   const headphoneEq* hpeq =
       models.size() == 0 ? nullptr
@@ -63,6 +65,11 @@ int processHpeqDataIn(AudioRoute route, const std::string& uuid, const ModelSequ
   if (result < 0) noteReason(note, result == QuillPb::kNoTable ? QUILL_REASON_NO_TABLE_FOR_RATE : QUILL_REASON_DOES_NOT_FIT);
   return result;
 }
+
+template int processHpeqDataIn(AudioRoute, const std::string&, const ModelSequence&, int*, unsigned int, int,
+                               NoNote);
+template int processHpeqDataIn(AudioRoute, const std::string&, const ModelSequence&, int*, unsigned int, int,
+                               LoadNote*);
 
 }  // namespace quillheron
 
@@ -116,7 +123,7 @@ int processHpeqData(quill::pb::hub::AudioRoute route, const std::string& uuid,
                     const ModelList& models, int* record, unsigned int capacity,
                     int sample_rate) {
   return quillheron::processHpeqDataIn(route, uuid, quillheron::ModelSequence(models), record,
-                                       capacity, sample_rate);
+                                       capacity, sample_rate, quillheron::NoNote{});
 }
 
 }  // namespace QuillPb

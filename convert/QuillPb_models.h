@@ -86,19 +86,22 @@ void noteModelEntry(LoadNote* note, const ModelSequence& models, std::size_t m, 
              table != nullptr ? table->coeff_16_size() : 0);
 }
 
+// Instantiated for Note = NoNote and LoadNote*.
+template <class Note>
 int processRoomDataIn(const std::string& uuid, const ModelSequence& models, int* record,
-                      unsigned int capacity, int sample_rate, LoadNote* note = nullptr);
+                      unsigned int capacity, int sample_rate, Note note);
+template <class Note>
 int processHpeqDataIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-                      int* record, unsigned int capacity, int sample_rate,
-                      LoadNote* note = nullptr);
+                      int* record, unsigned int capacity, int sample_rate, Note note);
+template <class Note>
 int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-              _quillAeqApiCoeff* aeq, int sample_rate, LoadNote* note = nullptr);
+              _quillAeqApiCoeff* aeq, int sample_rate, Note note);
 
 // Each aeqCoef locator with a non-empty uuid in turn, until one loads (0).
 // The result of the last lookup, or 1 when no locator had a uuid.
+template <class Note>
 int loadAeqLocators(AudioRoute route, const quill::pb::heron_v1_1::Postmix& postmix,
-                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate,
-                    LoadNote* note = nullptr);
+                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate, Note note);
 
 }  // namespace quillheron
 

@@ -44,8 +44,10 @@ const RoomRegion kRoomRegions[] = {
 
 }  // namespace
 
+template <class Note>
 int processRoomDataIn(const std::string& uuid, const ModelSequence& models, int* record,
-                      unsigned int capacity, int sample_rate, LoadNote* note) {
+                      unsigned int capacity, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   if (uuid.empty()) {
     noteReason(note, QUILL_REASON_EMPTY_IDENTIFIER);
     return QuillPb::kNothingToDo;
@@ -68,6 +70,9 @@ int processRoomDataIn(const std::string& uuid, const ModelSequence& models, int*
   noteReason(note, QUILL_REASON_NOT_FOUND);
   return QuillPb::kNotFound;
 }
+
+template int processRoomDataIn(const std::string&, const ModelSequence&, int*, unsigned int, int, NoNote);
+template int processRoomDataIn(const std::string&, const ModelSequence&, int*, unsigned int, int, LoadNote*);
 
 }  // namespace quillheron
 
@@ -109,7 +114,7 @@ int loadRoom(const quill::pb::model::roomModel* room, int* record, unsigned int 
 int processRoomData(const std::string& uuid, const ModelList& models, int* record,
                     unsigned int capacity, int sample_rate) {
   return quillheron::processRoomDataIn(uuid, quillheron::ModelSequence(models), record, capacity,
-                                       sample_rate);
+                                       sample_rate, quillheron::NoNote{});
 }
 
 }  // namespace QuillPb

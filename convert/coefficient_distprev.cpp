@@ -86,8 +86,10 @@ void QuillHeron_v1_1_Pb::PopulateNotchConfigCoeff(const MbhlDistPrevCoeff& first
 
 namespace quillheron {
 
+template <class Note>
 int loadDistPrev(const QuillHeron_v1_1_Pb& converter, const HeronSettings& settings,
-                 _quillHeronPostmixApiCtrlCoeffs& record, LoadNote* note) {
+                 _quillHeronPostmixApiCtrlCoeffs& record, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const Postmix& postmix = settings.postmix();
   if (postmix.mbhl_dist_prev_size() == kDesignCount) {
     const MbhlDistPrevCoeff& first = postmix.mbhl_dist_prev(0);
@@ -124,9 +126,13 @@ int loadDistPrev(const QuillHeron_v1_1_Pb& converter, const HeronSettings& setti
   return designed < 0 ? kFail : kOk;
 }
 
+template int loadDistPrev(const QuillHeron_v1_1_Pb&, const HeronSettings&, _quillHeronPostmixApiCtrlCoeffs&, NoNote);
+template int loadDistPrev(const QuillHeron_v1_1_Pb&, const HeronSettings&, _quillHeronPostmixApiCtrlCoeffs&,
+                          LoadNote*);
+
 }  // namespace quillheron
 
 int QuillHeron_v1_1_Pb::PopulateMbhlDistPrevCoeff(const HeronSettings& settings,
                                                   _quillHeronPostmixApiCtrlCoeffs& record) const {
-  return quillheron::loadDistPrev(*this, settings, record, nullptr);
+  return quillheron::loadDistPrev(*this, settings, record, quillheron::NoNote{});
 }

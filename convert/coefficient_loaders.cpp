@@ -86,7 +86,9 @@ int loadCrossoverBranch(Coeffs& record, std::size_t offset, const CoefTableList&
 
 
 // Each table list is scanned by its own rule (see each function).
-void loadHeronHpf(const Postmix& postmix, Coeffs& record, int rate, LoadNote* note) {
+template <class Note>
+void loadHeronHpf(const Postmix& postmix, Coeffs& record, int rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const quill::pb::coef::Hpf& hpf = postmix.hpf_coef();
   if (hpf.has_order()) native::storeU32(&record, kHpfOrder, static_cast<std::uint32_t>(hpf.order()));
   noteReason(note, QUILL_REASON_NO_TABLE_FOR_RATE);
@@ -104,7 +106,9 @@ void loadHeronHpf(const Postmix& postmix, Coeffs& record, int rate, LoadNote* no
   }
 }
 
-int loadBrioHpf(const Postmix& postmix, Coeffs& record, int rate, LoadNote* note) {
+template <class Note>
+int loadBrioHpf(const Postmix& postmix, Coeffs& record, int rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const quill::pb::coef::BrioHpf& hpf = postmix.brio_hpf_coef();
   native::storeU32(&record, kBrioHpfOrder, static_cast<std::uint32_t>(hpf.order()));
   if (hpf.order() == 0) {
@@ -125,7 +129,9 @@ int loadBrioHpf(const Postmix& postmix, Coeffs& record, int rate, LoadNote* note
   return kFail;
 }
 
-int loadBrioCrossover(const Postmix& postmix, Coeffs& record, int rate, LoadNote* note) {
+template <class Note>
+int loadBrioCrossover(const Postmix& postmix, Coeffs& record, int rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const quill::pb::coef::BrioXover& xover = postmix.brio_xover_coef();
   native::storeU32(&record, kXoverOrder, static_cast<std::uint32_t>(xover.order()));
   const int low = loadCrossoverBranch(record, kXoverLpf, xover.lpf_coeffs(), rate);
@@ -137,7 +143,9 @@ int loadBrioCrossover(const Postmix& postmix, Coeffs& record, int rate, LoadNote
   return kOk;
 }
 
-int loadThumpx(const HeronSettings& settings, Coeffs& record, int rate, LoadNote* note) {
+template <class Note>
+int loadThumpx(const HeronSettings& settings, Coeffs& record, int rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const quill::pb::coef::Thumpx& thumpx = settings.postmix().thumpx_coef();
   if (thumpx.coeffs_size() > 0) {
     // Strict: any table of another rate fails the load, even when a table of
@@ -183,7 +191,9 @@ int loadThumpx(const HeronSettings& settings, Coeffs& record, int rate, LoadNote
   return kOk;
 }
 
-int loadMbhlCrossovers(const HeronSettings& settings, Coeffs& record, int rate, LoadNote* note) {
+template <class Note>
+int loadMbhlCrossovers(const HeronSettings& settings, Coeffs& record, int rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const Postmix& postmix = settings.postmix();
   if (postmix.has_mbhl_coef()) {
     const quill::pb::coef::Mbhl& mbhl = postmix.mbhl_coef();
@@ -230,6 +240,16 @@ int loadMbhlCrossovers(const HeronSettings& settings, Coeffs& record, int rate, 
   return kOk;
 }
 
+#define QH_LOADERS_FOR(Note)                                                                 \
+  template void loadHeronHpf(const Postmix&, Coeffs&, int, Note);                          \
+  template int loadBrioHpf(const Postmix&, Coeffs&, int, Note);                            \
+  template int loadBrioCrossover(const Postmix&, Coeffs&, int, Note);                      \
+  template int loadThumpx(const HeronSettings&, Coeffs&, int, Note);                       \
+  template int loadMbhlCrossovers(const HeronSettings&, Coeffs&, int, Note);
+QH_LOADERS_FOR(NoNote)
+QH_LOADERS_FOR(LoadNote*)
+#undef QH_LOADERS_FOR
+
 }  // namespace quillheron
 
 // This file only defines converter members over the functions above.
@@ -237,25 +257,25 @@ using namespace quillheron;
 
 void QuillHeron_v1_1_Pb::LoadHeronHPF(const Postmix& postmix,
                                       _quillHeronPostmixApiCtrlCoeffs& record) const {
-  loadHeronHpf(postmix, record, sampleRate_, nullptr);
+  loadHeronHpf(postmix, record, sampleRate_, NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::LoadBrioHPF(const Postmix& postmix,
                                     _quillHeronPostmixApiCtrlCoeffs& record) const {
-  return loadBrioHpf(postmix, record, sampleRate_, nullptr);
+  return loadBrioHpf(postmix, record, sampleRate_, NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::LoadBrioCrossover(const Postmix& postmix,
                                           _quillHeronPostmixApiCtrlCoeffs& record) const {
-  return loadBrioCrossover(postmix, record, sampleRate_, nullptr);
+  return loadBrioCrossover(postmix, record, sampleRate_, NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::PopulateTHUMPXCoeff(const HeronSettings& settings,
                                             _quillHeronPostmixApiCtrlCoeffs& record) const {
-  return loadThumpx(settings, record, sampleRate_, nullptr);
+  return loadThumpx(settings, record, sampleRate_, NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::PopulateMBHLCoeff(const HeronSettings& settings,
                                           _quillHeronPostmixApiCtrlCoeffs& record) const {
-  return loadMbhlCrossovers(settings, record, sampleRate_, nullptr);
+  return loadMbhlCrossovers(settings, record, sampleRate_, NoNote{});
 }

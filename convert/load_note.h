@@ -21,12 +21,26 @@ struct LoadNote {
   const std::string* uuid = nullptr;  // identifier looked up, when there is one
 };
 
+// The note type of an untraced call: every note operation on it vanishes at
+// compile time, so loaders instantiated with it cost what they cost before
+// notes existed. Loaders are templates over Note = NoNote or LoadNote*.
+struct NoNote {};
+constexpr LoadNote* asNote(NoNote) { return nullptr; }
+inline LoadNote* asNote(LoadNote* note) { return note; }
+
 // Records source, rate and count when `note` is not null.
 inline void noteSource(LoadNote* note, QuillTraceSource source, int rate, int count) {
   if (note == nullptr) return;
   note->source = static_cast<std::uint8_t>(source);
   note->rate = rate;
   note->count = count;
+}
+
+// Starts the note afresh for a lookup of `uuid`.
+inline void noteLookup(LoadNote* note, const std::string* uuid) {
+  if (note == nullptr) return;
+  *note = LoadNote{};
+  note->uuid = uuid;
 }
 
 // Records why the load did nothing or failed when `note` is not null.

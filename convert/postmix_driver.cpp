@@ -44,8 +44,9 @@ int* regionAt(_quillHeronPostmixApiCtrlCoeffs& record, std::size_t offset) {
 
 // One selected room list: its locators, or, when it has none, every room of
 // the embedded model. Stops at the first negative result.
+template <class T>
 int loadRooms(const RoomStep& step, const Postmix& postmix, const ModelSequence& models,
-              _quillHeronPostmixApiCtrlCoeffs& record, int rate, Tracer& tracer) {
+              _quillHeronPostmixApiCtrlCoeffs& record, int rate, T& tracer) {
   int* region = regionAt(record, step.offset);
   const LocatorList& locators = (postmix.*step.locators)();
   int result = kOk;
@@ -73,8 +74,9 @@ int loadRooms(const RoomStep& step, const Postmix& postmix, const ModelSequence&
 
 // Every headphone-EQ locator is resolved; only the last one's result counts,
 // and "no EQ" (1) counts as success.
+template <class T>
 int loadHeadphoneEqs(AudioRoute route, const Postmix& postmix, const ModelSequence& models,
-                     _quillHeronPostmixApiCtrlCoeffs& record, int rate, Tracer& tracer) {
+                     _quillHeronPostmixApiCtrlCoeffs& record, int rate, T& tracer) {
   int last = kOk;
   const LocatorList& locators = postmix.hpeqcoef();
   for (int i = 0; i < locators.size(); ++i) {
@@ -90,13 +92,14 @@ int loadHeadphoneEqs(AudioRoute route, const Postmix& postmix, const ModelSequen
 
 // Control record, rooms, headphone EQ, output high-pass, AEQ, Brio, Thumpx and
 // MBHL, in that order; the first negative result ends the run.
+template <class T>
 int runDriver(const QuillHeron_v1_1_Pb& converter, AudioRoute route, const HeronSettings& settings,
               _quillHeronPostmixApiCtrlCoeffs& record, const QuillHeron_v1_1_Pb::ModelList& models,
-              int room_mask, Tracer& tracer) {
+              int room_mask, T& tracer) {
   const int rate = converter.sampleRate();
-  LoadNote* note = tracer.note();
+  const auto note = tracer.note();
   int result = converter.populate(settings, record.ctrl);
-  if (result != kOk) noteReason(note, QUILL_REASON_NEGATIVE_REF_HTEST);
+  if (result != kOk) noteReason(asNote(note), QUILL_REASON_NEGATIVE_REF_HTEST);
   tracer.ran(QUILL_STEP_CONTROL, result);
   if (result != kOk) return result;
 
@@ -123,8 +126,7 @@ int runDriver(const QuillHeron_v1_1_Pb& converter, AudioRoute route, const Heron
     tracer.skipped(QUILL_STEP_OUTPUT_HPF, QUILL_REASON_ABSENT);
   }
 
-  result = loadAeqLocators(route, postmix, search, &record.aeq, rate, note = tracer.note());
-  if (result == kNothingToDo) noteReason(note, QUILL_REASON_NONE_LISTED);
+  result = loadAeqLocators(route, postmix, search, &record.aeq, rate, tracer.note());
   tracer.ran(QUILL_STEP_AEQ, result);
   if (result < 0) return result;
   result = loadBrioCrossover(postmix, record, rate, tracer.note());
@@ -190,21 +192,26 @@ using namespace quillheron;
 int QuillHeron_v1_1_Pb::populate(AudioRoute route, const HeronSettings& settings,
                                  _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
                                  const ModelList& models, int room_mask) const {
-  return populate(route, settings, record, load_defaults, models, room_mask, nullptr);
+  if (load_defaults) loadDefaults(record);
+  NullTracer untraced;
+  return runDriver(*this, route, settings, record, models, room_mask, untraced);
 }
 
 int QuillHeron_v1_1_Pb::populate(AudioRoute route, const HeronSettings& settings,
                                  _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
                                  const ModelList& models, int room_mask, QuillPostmixTrace* trace) const {
+  if (trace == nullptr) return populate(route, settings, record, load_defaults, models, room_mask);
   if (load_defaults) loadDefaults(record);
-  Tracer tracer(trace);
+  Tracer tracer(*trace);
   return tracer.finish(runDriver(*this, route, settings, record, models, room_mask, tracer));
 }
 
 int QuillHeron_v1_1_Pb::populate(const RouteConfiguration& route,
                                  _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
                                  const ModelList& models, int room_mask) const {
-  return populate(route, record, load_defaults, models, room_mask, nullptr);
+  const HeronSettings* settings = findHeronSettings(route);
+  if (settings == nullptr) return kNoSettings;
+  return populate(route.route(), *settings, record, load_defaults, models, room_mask);
 }
 
 int QuillHeron_v1_1_Pb::populate(const RouteConfiguration& route,
@@ -212,8 +219,8 @@ int QuillHeron_v1_1_Pb::populate(const RouteConfiguration& route,
                                  const ModelList& models, int room_mask, QuillPostmixTrace* trace) const {
   const HeronSettings* settings = findHeronSettings(route);
   if (settings == nullptr) {
-    // Nothing runs: the trace holds no step and the result.
-    Tracer(trace).finish(kNoSettings);
+    // Nothing runs: every step is entered as not reached.
+    if (trace != nullptr) Tracer(*trace).finish(kNoSettings);
     return kNoSettings;
   }
   return populate(route.route(), *settings, record, load_defaults, models, room_mask, trace);

@@ -1,5 +1,6 @@
 // The postmix driver's coefficient steps as free functions that can report
-// what they did into a LoadNote (null: no report, same behaviour and cost),
+// what they did into a LoadNote (instantiated for Note = LoadNote* and for
+// NoNote, which reports nothing and costs nothing),
 // and the gates that decide whether the bass and limiter steps run. The
 // converter's public loaders are thin wrappers over these. Stateless.
 #ifndef QUILLHERON_CONVERT_POSTMIX_STEPS_H_
@@ -25,18 +26,24 @@ QuillTraceReason mbhlGate(const Postmix& postmix);
 // dist_prev_enable non-zero.
 QuillTraceReason distPrevGate(const Postmix& postmix);
 
+template <class Note>
 void loadHeronHpf(const Postmix& postmix, _quillHeronPostmixApiCtrlCoeffs& record, int rate,
-                  LoadNote* note);
-int loadBrioHpf(const Postmix& postmix, _quillHeronPostmixApiCtrlCoeffs& record, int rate, LoadNote* note);
+                  Note note);
+template <class Note>
+int loadBrioHpf(const Postmix& postmix, _quillHeronPostmixApiCtrlCoeffs& record, int rate, Note note);
+template <class Note>
 int loadBrioCrossover(const Postmix& postmix, _quillHeronPostmixApiCtrlCoeffs& record, int rate,
-                      LoadNote* note);
+                      Note note);
+template <class Note>
 int loadThumpx(const HeronSettings& settings, _quillHeronPostmixApiCtrlCoeffs& record, int rate,
-               LoadNote* note);
+               Note note);
+template <class Note>
 int loadMbhlCrossovers(const HeronSettings& settings, _quillHeronPostmixApiCtrlCoeffs& record, int rate,
-                       LoadNote* note);
+                       Note note);
 // The two precomputed records, or the design from two parameter sets.
+template <class Note>
 int loadDistPrev(const QuillHeron_v1_1_Pb& converter, const HeronSettings& settings,
-                 _quillHeronPostmixApiCtrlCoeffs& record, LoadNote* note);
+                 _quillHeronPostmixApiCtrlCoeffs& record, Note note);
 
 }  // namespace quillheron
 

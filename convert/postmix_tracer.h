@@ -1,6 +1,7 @@
-// Fills a QuillPostmixTrace as the postmix driver runs. Every member does
-// nothing when the driver was given no trace (one test of a null pointer), so
-// the driver runs one code path with or without a trace.
+// The two tracers the postmix driver is instantiated with: Tracer fills a
+// QuillPostmixTrace as the driver runs; NullTracer, for a call without a
+// trace, has empty members and hands out NoNote, so that instantiation
+// compiles to the driver without any trace code.
 #ifndef QUILLHERON_CONVERT_POSTMIX_TRACER_H_
 #define QUILLHERON_CONVERT_POSTMIX_TRACER_H_
 
@@ -13,19 +14,24 @@
 
 namespace quillheron {
 
+struct NullTracer {
+  NoNote note(const std::string* = nullptr) { return {}; }
+  void ran(QuillTraceStep, int, int = -1) {}
+  void nothing(QuillTraceStep, QuillTraceReason) {}
+  void skipped(QuillTraceStep, QuillTraceReason) {}
+  int finish(int result) { return result; }
+};
+
 class Tracer {
  public:
-  explicit Tracer(QuillPostmixTrace* trace) : trace_(trace) {
-    if (trace_ != nullptr) {
-      trace_->count = 0;
-      trace_->dropped = 0;
-      trace_->result = 0;
-    }
+  explicit Tracer(QuillPostmixTrace& trace) : trace_(&trace) {
+    trace_->count = 0;
+    trace_->dropped = 0;
+    trace_->result = 0;
   }
 
   // A cleared note for the next step (null without a trace).
   LoadNote* note(const std::string* uuid = nullptr) {
-    if (trace_ == nullptr) return nullptr;
     note_ = LoadNote{};
     note_.uuid = uuid;
     return &note_;
@@ -34,7 +40,6 @@ class Tracer {
   // The step (or item `item` of a list step) ran with `result`; what it
   // loaded is in the last note().
   void ran(QuillTraceStep step, int result, int item = -1) {
-    if (trace_ == nullptr) return;
     QuillTraceOutcome outcome = QUILL_OUTCOME_LOADED;
     if (result < 0) outcome = QUILL_OUTCOME_FAILED;
     else if (result > 0 || note_.reason != QUILL_REASON_NONE) outcome = QUILL_OUTCOME_NOTHING;
@@ -43,13 +48,11 @@ class Tracer {
 
   // The step ran but had nothing to load (no locator).
   void nothing(QuillTraceStep step, QuillTraceReason reason) {
-    if (trace_ == nullptr) return;
     note_ = LoadNote{};
     add(step, QUILL_OUTCOME_NOTHING, reason, 0, -1);
   }
 
   void skipped(QuillTraceStep step, QuillTraceReason reason) {
-    if (trace_ == nullptr) return;
     note_ = LoadNote{};
     add(step, QUILL_OUTCOME_SKIPPED, reason, 0, -1);
   }
@@ -57,7 +60,6 @@ class Tracer {
   // The driver ends with `result`: after a failure, every later step is
   // entered as not reached. Returns `result`.
   int finish(int result) {
-    if (trace_ == nullptr) return result;
     trace_->result = result;
     if (result < 0) {
       note_ = LoadNote{};

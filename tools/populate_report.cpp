@@ -1,3 +1,4 @@
+// Text and JSON renderings of the postmix driver's trace.
 #include "populate_report.h"
 
 #include <cstdio>
@@ -26,7 +27,8 @@ std::string ReasonText(const QuillTraceEntry& e, int rate) {
     case QUILL_REASON_BRIO_OFF: return "Brio absent or disabled";
     case QUILL_REASON_THUMPX_OFF: return "Brio's Thumpx absent or disabled";
     case QUILL_REASON_NO_THUMPX_COEF: return "no thumpx_coef";
-    case QUILL_REASON_SPEAKER_SIZE: return "Thumpx speaker_size is not 12";
+    case QUILL_REASON_SPEAKER_SIZE:
+      return "Thumpx speaker_size is not " + std::to_string(QUILL_THUMPX_COEFF_SPEAKER_SIZE);
     case QUILL_REASON_MBHL_OFF: return "Mbhl absent or disabled";
     case QUILL_REASON_DIST_PREV_OFF: return "dist_prev_enable is 0";
     case QUILL_REASON_NOT_FOUND: return "not found in any listening model";

@@ -35,13 +35,21 @@ bool loadBank(const FilterBank* bank, _quillAeqApiBankCoeff* out, int sample_rat
 
 }  // namespace
 
+template <class Note>
 int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-              _quillAeqApiCoeff* aeq, int sample_rate) {
+              _quillAeqApiCoeff* aeq, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   using quill::pb::coef::Aeq;
-  if (models.size() == 0) return QuillPb::kNoTable;
-  const Aeq* entry = findRoutedEntry<Aeq>(
-      models, [](const listeningModel& m) -> const auto& { return m.aeqs(); }, uuid, route);
-  if (entry == nullptr || aeq == nullptr) return QuillPb::kNoTable;
+  std::size_t where = 0;
+  const Aeq* entry =
+      models.size() == 0 ? nullptr
+                         : findRoutedEntry<Aeq>(
+                               models, [](const listeningModel& m) -> const auto& { return m.aeqs(); }, uuid,
+                               route, &where);
+  if (entry == nullptr || aeq == nullptr) {
+    noteReason(note, QUILL_REASON_NOT_FOR_ROUTE);
+    return QuillPb::kNoTable;
+  }
 
   // The two banks used: the first two, or, with three or more, the first two
   // that have a table for the rate (read in place, order kept).
@@ -64,29 +72,48 @@ int loadAeqIn(AudioRoute route, const std::string& uuid, const ModelSequence& mo
   // Both banks are attempted; a bank already copied stays when the other fails.
   const bool first = loadBank(banks[0], &aeq->bank[0], sample_rate);
   const bool second = loadBank(banks[1], &aeq->bank[1], sample_rate);
+  if (note != nullptr) {
+    // The count is the number of banks loaded.
+    note->model = models.traceIndex(where);
+    noteSource(note, QUILL_SOURCE_MODEL, sample_rate, int{first} + int{second});
+    if (!(first && second)) noteReason(note, QUILL_REASON_NO_TABLE_FOR_RATE);
+  }
   return first && second ? QuillPb::kOk : QuillPb::kNoTable;
 }
 
+template <class Note>
 int loadAeqLocators(AudioRoute route, const quill::pb::heron_v1_1::Postmix& postmix,
-                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate) {
+                    const ModelSequence& models, _quillAeqApiCoeff* aeq, int sample_rate,
+                    Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   int result = QuillPb::kNothingToDo;
+  noteReason(note, QUILL_REASON_NONE_LISTED);
   for (const quill::pb::hub::ResourceLocator& locator : postmix.aeqcoef()) {
     if (locator.uuid().empty()) continue;
-    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate);
+    noteLookup(note, &locator.uuid());
+    result = loadAeqIn(route, locator.uuid(), models, aeq, sample_rate, noteArg);
     if (result == QuillPb::kOk) break;
   }
   return result;
 }
 
+template int loadAeqIn(AudioRoute, const std::string&, const ModelSequence&, _quillAeqApiCoeff*, int, NoNote);
+template int loadAeqIn(AudioRoute, const std::string&, const ModelSequence&, _quillAeqApiCoeff*, int, LoadNote*);
+template int loadAeqLocators(AudioRoute, const quill::pb::heron_v1_1::Postmix&, const ModelSequence&,
+                             _quillAeqApiCoeff*, int, NoNote);
+template int loadAeqLocators(AudioRoute, const quill::pb::heron_v1_1::Postmix&, const ModelSequence&,
+                             _quillAeqApiCoeff*, int, LoadNote*);
+
 }  // namespace quillheron
 
 int QuillPb::loadAeq(quill::pb::hub::AudioRoute route, const std::string& uuid,
                      const ModelList& models, _quillAeqApiCoeff* aeq, int sample_rate) {
-  return quillheron::loadAeqIn(route, uuid, quillheron::ModelSequence(models), aeq, sample_rate);
+  return quillheron::loadAeqIn(route, uuid, quillheron::ModelSequence(models), aeq, sample_rate,
+                               quillheron::NoNote{});
 }
 
 int QuillHeron_v1_1_Pb::LoadAeq(AudioRoute route, const Postmix& postmix, const ModelList& models,
                                 _quillHeronPostmixApiCtrlCoeffs& record) const {
   return quillheron::loadAeqLocators(route, postmix, quillheron::ModelSequence(models), &record.aeq,
-                                     sampleRate_);
+                                     sampleRate_, quillheron::NoNote{});
 }

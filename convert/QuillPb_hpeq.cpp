@@ -46,14 +46,30 @@ void copyTaps(void* base, unsigned int capacity, const Int32List& src, std::int6
 
 }  // namespace
 
+template <class Note>
 int processHpeqDataIn(AudioRoute route, const std::string& uuid, const ModelSequence& models,
-                      int* record, unsigned int capacity, int sample_rate) {
-  if (models.size() == 0) return QuillPb::kNothingToDo;
-  const headphoneEq* hpeq = findRoutedEntry<headphoneEq>(
-      models, [](const listeningModel& m) -> const auto& { return m.headphones(); }, uuid, route);
-  if (hpeq == nullptr) return QuillPb::kNothingToDo;
-  return QuillPb::loadHpeq(hpeq, record, capacity, sample_rate);
+                      int* record, unsigned int capacity, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
+  std::size_t where = 0;
+  const headphoneEq* hpeq =
+      models.size() == 0 ? nullptr
+                         : findRoutedEntry<headphoneEq>(
+                               models, [](const listeningModel& m) -> const auto& { return m.headphones(); },
+                               uuid, route, &where);
+  if (hpeq == nullptr) {
+    noteReason(note, QUILL_REASON_NOT_FOR_ROUTE);
+    return QuillPb::kNothingToDo;
+  }
+  noteModelEntry(note, models, where, *hpeq, sample_rate);
+  const int result = QuillPb::loadHpeq(hpeq, record, capacity, sample_rate);
+  if (result < 0) noteReason(note, result == QuillPb::kNoTable ? QUILL_REASON_NO_TABLE_FOR_RATE : QUILL_REASON_DOES_NOT_FIT);
+  return result;
 }
+
+template int processHpeqDataIn(AudioRoute, const std::string&, const ModelSequence&, int*, unsigned int, int,
+                               NoNote);
+template int processHpeqDataIn(AudioRoute, const std::string&, const ModelSequence&, int*, unsigned int, int,
+                               LoadNote*);
 
 }  // namespace quillheron
 
@@ -107,7 +123,7 @@ int processHpeqData(quill::pb::hub::AudioRoute route, const std::string& uuid,
                     const ModelList& models, int* record, unsigned int capacity,
                     int sample_rate) {
   return quillheron::processHpeqDataIn(route, uuid, quillheron::ModelSequence(models), record,
-                                       capacity, sample_rate);
+                                       capacity, sample_rate, quillheron::NoNote{});
 }
 
 }  // namespace QuillPb

@@ -44,20 +44,35 @@ const RoomRegion kRoomRegions[] = {
 
 }  // namespace
 
+template <class Note>
 int processRoomDataIn(const std::string& uuid, const ModelSequence& models, int* record,
-                      unsigned int capacity, int sample_rate) {
-  if (uuid.empty()) return QuillPb::kNothingToDo;
+                      unsigned int capacity, int sample_rate, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
+  if (uuid.empty()) {
+    noteReason(note, QUILL_REASON_EMPTY_IDENTIFIER);
+    return QuillPb::kNothingToDo;
+  }
   for (std::size_t m = 0; m < models.size(); ++m) {
     const listeningModel* model = models.at(m);
     if (model == nullptr) continue;
     for (const roomModel& room : model->rooms()) {
       if (CompareCI(room.uuid(), uuid)) {
-        return QuillPb::loadRoom(&room, record, capacity, sample_rate);
+        noteModelEntry(note, models, m, room, sample_rate);
+        const int result = QuillPb::loadRoom(&room, record, capacity, sample_rate);
+        if (result < 0) {
+          noteReason(note, result == QuillPb::kNoTable ? QUILL_REASON_NO_TABLE_FOR_RATE
+                                                       : QUILL_REASON_DOES_NOT_FIT);
+        }
+        return result;
       }
     }
   }
+  noteReason(note, QUILL_REASON_NOT_FOUND);
   return QuillPb::kNotFound;
 }
+
+template int processRoomDataIn(const std::string&, const ModelSequence&, int*, unsigned int, int, NoNote);
+template int processRoomDataIn(const std::string&, const ModelSequence&, int*, unsigned int, int, LoadNote*);
 
 }  // namespace quillheron
 
@@ -99,7 +114,7 @@ int loadRoom(const quill::pb::model::roomModel* room, int* record, unsigned int 
 int processRoomData(const std::string& uuid, const ModelList& models, int* record,
                     unsigned int capacity, int sample_rate) {
   return quillheron::processRoomDataIn(uuid, quillheron::ModelSequence(models), record, capacity,
-                                       sample_rate);
+                                       sample_rate, quillheron::NoNote{});
 }
 
 }  // namespace QuillPb

@@ -7,6 +7,7 @@
 #include "coefficient_io.h"
 #include "native_io.h"
 #include "notch_design_tables.h"
+#include "postmix_steps.h"
 #include "quillHeronCoeffRecords.h"
 #include "quillheron_filterdesign.h"
 
@@ -18,6 +19,7 @@ using distprev::distPrevSenseConfig;
 using distprev::Record;
 using quill::pb::coef::MbhlDistPrevCoeff;
 
+constexpr int kOk = QuillHeron_v1_1_Pb::kOk;
 constexpr int kFail = QuillHeron_v1_1_Pb::kCoefficientFailure;
 constexpr int kDesignCount = 2;
 // Header area the designer stamps; the converter discards it.
@@ -82,19 +84,27 @@ void QuillHeron_v1_1_Pb::PopulateNotchConfigCoeff(const MbhlDistPrevCoeff& first
   copyArrays(*notch[0], *notch[1], distprev::kNotchInt32, distprev::kNotchFloat, record);
 }
 
-int QuillHeron_v1_1_Pb::PopulateMbhlDistPrevCoeff(const HeronSettings& settings,
-                                                  _quillHeronPostmixApiCtrlCoeffs& record) const {
+namespace quillheron {
+
+template <class Note>
+int loadDistPrev(const QuillHeron_v1_1_Pb& converter, const HeronSettings& settings,
+                 _quillHeronPostmixApiCtrlCoeffs& record, Note noteArg) {
+  LoadNote* const note = asNote(noteArg);
   const Postmix& postmix = settings.postmix();
   if (postmix.mbhl_dist_prev_size() == kDesignCount) {
     const MbhlDistPrevCoeff& first = postmix.mbhl_dist_prev(0);
     const MbhlDistPrevCoeff& second = postmix.mbhl_dist_prev(1);
+    noteSource(note, QUILL_SOURCE_RECORDS, converter.sampleRate(), kDesignCount);
+    noteReason(note, QUILL_REASON_INCOMPLETE);
     if (!first.has_sense_config() || !second.has_sense_config()) return kFail;
-    PopulateSenseConfigCoeff(first, second, record);
+    converter.PopulateSenseConfigCoeff(first, second, record);
     if (!first.has_notch_config() || !second.has_notch_config()) return kFail;
-    PopulateNotchConfigCoeff(first, second, record);
+    converter.PopulateNotchConfigCoeff(first, second, record);
+    noteReason(note, QUILL_REASON_NONE);
     return kOk;
   }
 
+  noteReason(note, QUILL_REASON_NO_DESIGN_PARAMETERS);
   if (!settings.has_designerparameters()) return kFail;
   const quill::pb::tech::DesignerParameters& designer = settings.designerparameters();
   if (designer.mbhl_nf_design_params_size() != kDesignCount) return kFail;
@@ -110,5 +120,19 @@ int QuillHeron_v1_1_Pb::PopulateMbhlDistPrevCoeff(const HeronSettings& settings,
   }
   quillDistprevDesignHeader header = {};
   const int32_t designed = quill_distprev_config_designer(&header, record.dist_prev, blocks, kDesignCount);
+  // The designer covers every rate it supports; the count is the two designs.
+  noteSource(note, QUILL_SOURCE_DESIGN, 0, kDesignCount);
+  noteReason(note, designed < 0 ? QUILL_REASON_DESIGNER_REJECTED : QUILL_REASON_NONE);
   return designed < 0 ? kFail : kOk;
+}
+
+template int loadDistPrev(const QuillHeron_v1_1_Pb&, const HeronSettings&, _quillHeronPostmixApiCtrlCoeffs&, NoNote);
+template int loadDistPrev(const QuillHeron_v1_1_Pb&, const HeronSettings&, _quillHeronPostmixApiCtrlCoeffs&,
+                          LoadNote*);
+
+}  // namespace quillheron
+
+int QuillHeron_v1_1_Pb::PopulateMbhlDistPrevCoeff(const HeronSettings& settings,
+                                                  _quillHeronPostmixApiCtrlCoeffs& record) const {
+  return quillheron::loadDistPrev(*this, settings, record, quillheron::NoNote{});
 }

@@ -45,6 +45,7 @@
 #include "heron_v1_1.pb.h"
 #include "routeconfiguration.pb.h"
 #include "quillHeronCtrlRecords.h"
+#include "quillHeronPostmixTrace.h"
 #include "quillheron_export.h"
 
 // Coefficient records; laid out in quillHeronCoeffRecords.h.
@@ -168,6 +169,16 @@ class QH_EXPORT QuillHeron_v1_1_Pb {
   int populate(const RouteConfiguration& route,
                _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
                const ModelList& models, int room_mask) const;
+  // The same two, also filling `trace` (when not null) with what each step
+  // did: the trace is cleared first and holds at most QUILL_TRACE_CAPACITY
+  // entries (trace->dropped counts the rest). With a null trace they behave
+  // exactly as the overloads above.
+  int populate(AudioRoute route, const HeronSettings& settings,
+               _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
+               const ModelList& models, int room_mask, QuillPostmixTrace* trace) const;
+  int populate(const RouteConfiguration& route,
+               _quillHeronPostmixApiCtrlCoeffs& record, bool load_defaults,
+               const ModelList& models, int room_mask, QuillPostmixTrace* trace) const;
   // Clears Postmix first. REQUIRES: settings != nullptr.
   void convert(const _quillHeronPostmixApiCtrl& record,
                HeronSettings* settings) const;

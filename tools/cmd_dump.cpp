@@ -8,15 +8,20 @@
 #include "commands.h"
 #include "json_writer.h"
 #include "message_io.h"
-#include "record_fields.h"
+#include "record_layout.h"
 
 namespace heron_tool {
 namespace {
+
+using qh_catalogue::FieldLayout;
+using qh_catalogue::RecordLayout;
+using qh_catalogue::ValueType;
 
 struct DumpOptions {
   std::string file;
   std::string record;
   bool json = false;
+  bool full = false;
 };
 
 // Little-endian reads: the records are little-endian whatever the host.
@@ -31,25 +36,26 @@ struct Value {
   float f = 0;
 };
 
-Value ElementAt(const std::vector<uint8_t>& bytes, const RecordField& field, int index) {
+Value ElementAt(const std::vector<uint8_t>& bytes, const FieldLayout& field, uint32_t index) {
   Value v;
+  const uint8_t* at = &bytes[field.offset + field.width * index];
   switch (field.type) {
-    case FieldType::kI32:
-      v.i = static_cast<int32_t>(ReadLe32(&bytes[field.offset + 4 * index]));
+    case ValueType::kInt32:
+      v.i = static_cast<int32_t>(ReadLe32(at));
       break;
-    case FieldType::kU32:
-      v.i = ReadLe32(&bytes[field.offset + 4 * index]);
+    case ValueType::kUint32:
+      v.i = ReadLe32(at);
       break;
-    case FieldType::kI16:
-      v.i = static_cast<int16_t>(ReadLe16(&bytes[field.offset + 2 * index]));
+    case ValueType::kInt16:
+      v.i = static_cast<int16_t>(ReadLe16(at));
       break;
-    case FieldType::kF32: {
-      const uint32_t bits = ReadLe32(&bytes[field.offset + 4 * index]);
+    case ValueType::kFloat32: {
+      const uint32_t bits = ReadLe32(at);
       std::memcpy(&v.f, &bits, sizeof bits);
       v.is_float = true;
       break;
     }
-    case FieldType::kUuid:
+    case ValueType::kUuid:
       break;
   }
   return v;
@@ -77,13 +83,22 @@ std::string ValueText(const Value& v) {
 }
 
 // Arrays print compactly: runs of one value as "v x n", and after 24 items
-// the rest is summarised.
-std::string ArrayText(const std::vector<uint8_t>& bytes, const RecordField& field) {
+// the rest is summarised; with `full`, every element. Slot-labelled arrays
+// print each slot as label=value.
+std::string ArrayText(const std::vector<uint8_t>& bytes, const FieldLayout& field, bool full) {
   std::string out = "[";
+  if (field.slots != nullptr || full) {
+    for (uint32_t i = 0; i < field.count; ++i) {
+      if (i > 0) out += ", ";
+      if (field.slots != nullptr) out += std::string(field.slots[i]) + "=";
+      out += ValueText(ElementAt(bytes, field, i));
+    }
+    return out + "]";
+  }
   int items = 0;
-  for (int i = 0; i < field.count;) {
+  for (uint32_t i = 0; i < field.count;) {
     const std::string text = ValueText(ElementAt(bytes, field, i));
-    int run = 1;
+    uint32_t run = 1;
     while (i + run < field.count && ValueText(ElementAt(bytes, field, i + run)) == text) ++run;
     if (items == 24) {
       out += ", ... " + std::to_string(field.count - i) + " more";
@@ -98,41 +113,56 @@ std::string ArrayText(const std::vector<uint8_t>& bytes, const RecordField& fiel
   return out + "]";
 }
 
+// The record named by --record, or the one whose size the file has.
+const RecordLayout& ChooseRecord(const DumpOptions& o, size_t size) {
+  if (!o.record.empty()) {
+    const RecordLayout* r = qh_catalogue::FindRecord(o.record);
+    if (r == nullptr) throw ToolError{"", std::string("--record must be ") + qh_catalogue::kRecordNames};
+    if (size != r->size) {
+      throw ToolError{o.file, std::string("a ") + r->name + " record is " + std::to_string(r->size) +
+                                  " bytes, this file has " + std::to_string(size)};
+    }
+    return *r;
+  }
+  const RecordLayout* r = qh_catalogue::RecordForSize(size);
+  if (r == nullptr) {
+    std::string known;
+    for (const RecordLayout* k : qh_catalogue::kRecords) {
+      known += (known.empty() ? "" : ", ") + std::string(k->name) + " " + std::to_string(k->size);
+    }
+    throw ToolError{o.file, "size " + std::to_string(size) + " bytes matches no record (" + known + ")"};
+  }
+  return *r;
+}
+
 int RunDump(const DumpOptions& o) {
   const std::string raw = ReadFileBytes(o.file);
-  RecordKind kind;
-  if (!o.record.empty()) {
-    if (!ParseRecordKind(o.record, &kind)) throw ToolError{"", "--record must be premix, postmix or coeffs"};
-    if (raw.size() != RecordSize(kind)) {
-      throw ToolError{o.file, std::string("a ") + RecordKindName(kind) + " record is " +
-                                  std::to_string(RecordSize(kind)) + " bytes, this file has " +
-                                  std::to_string(raw.size())};
-    }
-  } else if (!RecordKindForSize(raw.size(), &kind)) {
-    throw ToolError{o.file, "size " + std::to_string(raw.size()) +
-                                " bytes matches no record (premix 156, postmix 488, coeffs 66108)"};
-  }
+  const RecordLayout& record = ChooseRecord(o, raw.size());
   const std::vector<uint8_t> bytes(raw.begin(), raw.end());
-  const auto fields = RecordFields(kind);
 
   if (o.json) {
     JsonWriter j;
-    j.BeginObject().Key("record").String(RecordKindName(kind)).Key("size").Int(static_cast<int64_t>(bytes.size()));
+    j.BeginObject().Key("record").String(record.name).Key("size").Int(static_cast<int64_t>(bytes.size()));
     j.Key("fields").BeginArray();
-    for (const RecordField& f : fields) {
-      j.BeginObject().Key("name").String(f.name).Key("offset").Int(static_cast<int64_t>(f.offset));
+    for (const FieldLayout& f : record) {
+      j.BeginObject().Key("name").String(f.name).Key("offset").Int(f.offset);
       j.Key("value");
-      if (f.type == FieldType::kUuid) {
+      if (f.type == ValueType::kUuid) {
         j.String(UuidHex(bytes, f.offset));
       } else if (f.count == 1) {
         const Value v = ElementAt(bytes, f, 0);
         v.is_float ? j.Float(v.f) : j.Int(v.i);
       } else {
         j.BeginArray();
-        for (int i = 0; i < f.count; ++i) {
+        for (uint32_t i = 0; i < f.count; ++i) {
           const Value v = ElementAt(bytes, f, i);
           v.is_float ? j.Float(v.f) : j.Int(v.i);
         }
+        j.EndArray();
+      }
+      if (f.slots != nullptr) {
+        j.Key("slots").BeginArray();
+        for (uint32_t i = 0; i < f.count; ++i) j.String(f.slots[i]);
         j.EndArray();
       }
       j.EndObject();
@@ -141,17 +171,17 @@ int RunDump(const DumpOptions& o) {
     std::printf("%s\n", j.str().c_str());
     return kExitOk;
   }
-  std::printf("%s record, %zu bytes\n", RecordKindName(kind), bytes.size());
-  for (const RecordField& f : fields) {
+  std::printf("%s record, %zu bytes\n", record.name, bytes.size());
+  for (const FieldLayout& f : record) {
     std::string value;
-    if (f.type == FieldType::kUuid) {
+    if (f.type == ValueType::kUuid) {
       value = UuidHex(bytes, f.offset);
     } else if (f.count == 1) {
       value = ValueText(ElementAt(bytes, f, 0));
     } else {
-      value = ArrayText(bytes, f);
+      value = ArrayText(bytes, f, o.full);
     }
-    std::printf("%6zu  %-44s %s\n", f.offset, f.name.c_str(), value.c_str());
+    std::printf("%6u  %-44s %s\n", f.offset, f.name, value.c_str());
   }
   return kExitOk;
 }
@@ -162,8 +192,10 @@ void RegisterDump(CLI::App& app, Action& run) {
   auto o = std::make_shared<DumpOptions>();
   CLI::App* sub = app.add_subcommand("dump", "List every named field of a native record with its offset and value");
   sub->add_option("FILE", o->file, "record file")->required();
-  sub->add_option("--record", o->record, "premix, postmix or coeffs (default: from the file size)");
+  sub->add_option("--record", o->record,
+                  std::string(qh_catalogue::kRecordNames) + " (coeffs: old name of postmix; default: from the file size)");
   sub->add_flag("--json", o->json, "print one JSON object");
+  sub->add_flag("--full", o->full, "print every element of long arrays");
   sub->callback([o, &run] { run = [o] { return RunDump(*o); }; });
 }
 

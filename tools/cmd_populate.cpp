@@ -74,7 +74,8 @@ int RunPopulate(const PopulateOptions& o) {
   NoteIgnoredRoomBits(o.room_mask);
   const QuillHeron_v1_1_Pb converter(o.rate);
   const int premix_result = converter.populate(route, premix, true);
-  const int postmix_result = converter.populate(route, *postmix, true, models.list(), o.room_mask);
+  QuillPostmixTrace trace;
+  const int postmix_result = converter.populate(route, *postmix, true, models.list(), o.room_mask, &trace);
   Fader premix_fader, postmix_fader;
   premix_fader.result = converter.populate(route, premix_fader.shadow, premix_fader.out_length,
                                            premix_fader.hold_length, premix_fader.in_length,
@@ -95,6 +96,9 @@ int RunPopulate(const PopulateOptions& o) {
     WriteFaderJson(j, premix_fader);
     j.Key("postmix_fader");
     WriteFaderJson(j, postmix_fader);
+    j.Key("postmix_steps");
+    WriteTraceJson(j, trace, models);
+    if (trace.dropped > 0) j.Key("postmix_steps_dropped").Int(trace.dropped);
     j.EndObject();
     std::printf("%s\n", j.str().c_str());
   } else {
@@ -104,13 +108,9 @@ int RunPopulate(const PopulateOptions& o) {
     std::printf("premix populate:  %d (%s)\n", premix_result, ConverterResultMeaning(premix_result));
     std::printf("postmix populate: %d (%s)\n", postmix_result, ConverterResultMeaning(postmix_result));
     if (settings) {
-      if (postmix_result < 0) {
-        std::printf("  the postmix stopped at its first failing step; the regions below are what the\n"
-                    "  settings ask for, those after the failing step keep their earlier contents\n");
-      }
-      for (const auto& [region, what] : DescribePostmixSources(route.route(), *settings, models, o.room_mask, o.rate)) {
-        std::printf("  %-22s %s\n", (region + ":").c_str(), what.c_str());
-      }
+      const std::string failed = FailedStepText(trace, models, o.rate);
+      if (!failed.empty()) std::printf("  failed at step %s\n", failed.c_str());
+      for (const std::string& line : TraceLines(trace, models, o.rate)) std::printf("  %s\n", line.c_str());
     }
     std::printf("premix fader:  %s\n", FaderText(premix_fader).c_str());
     std::printf("postmix fader: %s\n", FaderText(postmix_fader).c_str());

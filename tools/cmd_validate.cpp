@@ -1,17 +1,25 @@
 // heron validate: lint a route before it ships. Lists every place where a
 // message is outside what the engine accepts, or where populate would
 // silently do less than the author probably meant.
+#include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <memory>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
 #include "QuillPb.h"
+#include "QuillPb_identifiers.h"
+#include "QuillPb_models.h"
+#include "coefficient_io.h"
 #include "commands.h"
 #include "model_inputs.h"
 #include "option_checks.h"
-#include "quillHeronCoeffRecords.h"
+#include "postmix_steps.h"
+#include "record_layout.h"
 
 namespace heron_tool {
 namespace {
@@ -21,6 +29,35 @@ using google::protobuf::RepeatedPtrField;
 using quill::pb::coef::CoefTable;
 using quill::pb::heron_v1_1::HeronSettings;
 using quill::pb::heron_v1_1::Postmix;
+
+using qh_catalogue::Capacity;
+using qh_catalogue::kPostmix;
+using qh_catalogue::kPostmixControl;
+using qh_catalogue::kPremix;
+using quillheron::CompareCI;
+using quillheron::findCoefficients;
+
+// Native capacities, from the record catalogue.
+constexpr int kModeSlots = Capacity(kPostmixControl, "lyra_input_gain");
+constexpr int kBypassModes = Capacity(kPostmixControl, "bypass_mode");
+constexpr int kPremixBypassModes = Capacity(kPremix, "bypass_mode");
+constexpr int kHtest = Capacity(kPostmixControl, "enhance2.htest");
+constexpr int kPremixHtest = Capacity(kPremix, "enhance2.htest");
+constexpr int kSuperStereoCoef = Capacity(kPostmixControl, "lyra.super_stereo_coef");
+constexpr int kHpfCoeffs = Capacity(kPostmix, "hpf.coeffs");
+constexpr int kBrioHpfCoeffs = Capacity(kPostmix, "brio_hpf.coeffs");
+constexpr int kXoverLpf = Capacity(kPostmix, "brio_xover.lpf_coeffs");
+constexpr int kXoverHpf = Capacity(kPostmix, "brio_xover.hpf_coeffs");
+constexpr int kThumpxCoeffs = Capacity(kPostmix, "thumpx.coeffs");
+constexpr int kMbhlLow = Capacity(kPostmix, "mbhl_coef.low_cross_coeffs");
+constexpr int kMbhlMid = Capacity(kPostmix, "mbhl_coef.mid_cross_coeffs");
+constexpr int kAeqIir = Capacity(kPostmix, "aeq.bank[0].iir_coeffs");
+// Two leading values, then the two channel responses.
+constexpr int kHpeqTapsPerChannel = (Capacity(kPostmix, "hpeq.coeffs") - 2) / 2;
+static_assert(kModeSlots > 0 && kBypassModes > 0 && kPremixBypassModes > 0 && kHtest > 0 && kPremixHtest > 0 &&
+                  kSuperStereoCoef > 0 && kHpfCoeffs > 0 && kBrioHpfCoeffs > 0 && kXoverLpf > 0 && kXoverHpf > 0 &&
+                  kThumpxCoeffs > 0 && kMbhlLow > 0 && kMbhlMid > 0 && kAeqIir > 0 && kHpeqTapsPerChannel > 0,
+              "every capacity names a catalogue field");
 
 struct ValidateOptions {
   std::string route;
@@ -38,12 +75,6 @@ class Findings {
   std::vector<std::string> lines_;
 };
 
-std::string Upper(const std::string& s) {
-  std::string out = s;
-  for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return out;
-}
-
 std::string StripBraces(const std::string& s) {
   if (s.size() >= 2 && s.front() == '{' && s.back() == '}') return s.substr(1, s.size() - 2);
   return s;
@@ -59,40 +90,86 @@ bool WellFormedIdentifier(const std::string& s) {
   return true;
 }
 
-// Repeated fields the converter cuts at a native capacity.
-void CheckCount(Findings& f, const std::string& path, int count, int capacity, const char* consequence) {
+// Repeated fields the converter cuts at a native capacity; `consequence`
+// defaults to "cut at <capacity>".
+void CheckCount(Findings& f, const std::string& path, int count, int capacity, const char* consequence = nullptr) {
   if (count > capacity) {
     f.Add(path, std::to_string(count) + " values, the native array holds " + std::to_string(capacity) + "; " +
-                    consequence);
+                    (consequence ? consequence : "cut at " + std::to_string(capacity)));
   }
 }
 
-// Present int16-bound fields (by name, through reflection) whose values do
-// not fit 16 bits: populate keeps only the low 16 bits.
-void CheckInt16(Findings& f, const std::string& path, const Message& m, std::initializer_list<const char*> names) {
+// The arrays of a precomputed distortion-prevention entry and their native capacities.
+using quill::pb::coef::MbhlDistPrevCoeff;
+struct DistPrevArray {
+  const char* path;
+  int (*count)(const MbhlDistPrevCoeff&);
+  int capacity;
+};
+constexpr DistPrevArray kDistPrevArrays[] = {
+    {"sense_config.bandSosCount", [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandsoscount_size(); },
+     Capacity(kPostmix, "dist_prev[0].sense_band_sos_count")},
+    {"sense_config.bandCoeffs", [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandcoeffs_size(); },
+     Capacity(kPostmix, "dist_prev[0].sense_band_coeffs")},
+    {"sense_config.bandCoeffsFloat32",
+     [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandcoeffsfloat32_size(); },
+     Capacity(kPostmix, "dist_prev[0].sense_band_coeffs_float32")},
+    {"notch_config.bandAttenuationMax",
+     [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandattenuationmax_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_band_attenuation_max")},
+    {"notch_config.bandGainScalars", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandgainscalars_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_band_gain_scalars")},
+    {"notch_config.bandSosCount", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandsoscount_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_band_sos_count")},
+    {"notch_config.smoothers", [](const MbhlDistPrevCoeff& e) { return e.notch_config().smoothers_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_smoothers")},
+    {"notch_config.bandCoeffs", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandcoeffs_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_band_coeffs")},
+    {"notch_config.bandCoeffsFloat32",
+     [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandcoeffsfloat32_size(); },
+     Capacity(kPostmix, "dist_prev[0].notch_band_coeffs_float32")},
+};
+constexpr bool AllNamed(const DistPrevArray (&rows)[std::size(kDistPrevArrays)]) {
+  for (const DistPrevArray& r : rows) {
+    if (r.capacity <= 0) return false;
+  }
+  return true;
+}
+static_assert(AllNamed(kDistPrevArrays), "every distortion-prevention capacity names a catalogue field");
+// Bands per design: the sense band arrays hold one entry per band.
+constexpr int kDistPrevBands = Capacity(kPostmix, "dist_prev[0].sense_band_sos_count");
+
+// Present message fields bound to the int16 fields of one block of `record`
+// (its catalogue name prefix, e.g. "brio.ova3d."), whose values do not fit 16
+// bits: populate keeps only the low 16 bits. Element k of an int16 array is
+// the message field with k before the first underscore (band_gain[3]:
+// band3_gain).
+void CheckInt16(Findings& f, const std::string& path, const Message& m, const qh_catalogue::RecordLayout& record,
+                std::string_view block) {
   const auto* d = m.GetDescriptor();
   const auto* r = m.GetReflection();
-  for (const char* name : names) {
-    const auto* field = d->FindFieldByName(name);
-    if (!field || !r->HasField(m, field)) continue;
-    const int32_t v = r->GetInt32(m, field);
-    if (v < -32768 || v > 32767) {
-      f.Add(path + "." + name, std::to_string(v) + " does not fit the 16-bit native field (stored as " +
-                                   std::to_string(static_cast<int16_t>(static_cast<uint16_t>(v))) + ")");
+  for (const qh_catalogue::FieldLayout& field : record) {
+    const std::string_view name = field.name;
+    if (field.type != qh_catalogue::ValueType::kInt16 || name.substr(0, block.size()) != block) continue;
+    const std::string leaf(name.substr(block.size()));
+    if (leaf.find('.') != std::string::npos) continue;  // a nested block
+    for (uint32_t k = 0; k < field.count; ++k) {
+      std::string message_name = leaf;
+      if (field.count > 1) message_name.insert(std::min(leaf.find('_'), leaf.size()), std::to_string(k));
+      const auto* fd = d->FindFieldByName(message_name);
+      if (!fd || !r->HasField(m, fd)) continue;
+      const int32_t v = r->GetInt32(m, fd);
+      if (v < INT16_MIN || v > INT16_MAX) {
+        f.Add(path + "." + message_name, std::to_string(v) + " does not fit the 16-bit native field (stored as " +
+                                             std::to_string(static_cast<int16_t>(static_cast<uint16_t>(v))) + ")");
+      }
     }
   }
 }
 
-const CoefTable* TableForRate(const RepeatedPtrField<CoefTable>& tables, int rate) {
-  for (const CoefTable& t : tables) {
-    if (t.has_samplerate() && t.samplerate() == rate) return &t;
-  }
-  return nullptr;
-}
-
 void CheckTables(Findings& f, const std::string& path, const RepeatedPtrField<CoefTable>& tables, int rate,
                  bool sixteen, int capacity) {
-  const CoefTable* t = TableForRate(tables, rate);
+  const CoefTable* t = findCoefficients(tables, rate);
   if (!t) {
     f.Add(path, tables.empty() ? "no coefficient tables" : "no table for " + std::to_string(rate) + " Hz");
     return;
@@ -125,10 +202,10 @@ void ResolveLocator(Findings& f, const std::string& path, const std::string& uui
   bool found = false, braces_only = false;
   for (const auto& [model, source] : models.list) {
     for (const auto& entry : entries_of(*model)) {
-      if (Upper(entry.uuid()) == Upper(uuid)) {
+      if (CompareCI(entry.uuid(), uuid)) {
         if (!found) check(entry, source);
         found = true;
-      } else if (Upper(StripBraces(entry.uuid())) == Upper(StripBraces(uuid))) {
+      } else if (CompareCI(StripBraces(entry.uuid()), StripBraces(uuid))) {
         braces_only = true;
       }
     }
@@ -138,14 +215,6 @@ void ResolveLocator(Findings& f, const std::string& path, const std::string& uui
                                             " only when braces are ignored; the converter compares them as they stand"
                                       : std::string("'") + uuid + "' matches no " + kind + " of the listening models");
   }
-}
-
-bool ListedForRoute(const RepeatedPtrField<quill::pb::hub::AudioRouteInfo>& infos, quill::pb::hub::AudioRoute route) {
-  if (infos.empty()) return true;
-  for (const auto& info : infos) {
-    if (info.route() == route) return true;
-  }
-  return false;
 }
 
 void CheckModels(Findings& f, const Models& models) {
@@ -165,13 +234,13 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
                   const Models& models) {
   const Postmix& p = s.postmix();
   const std::string pm = "postmix";
-  CheckCount(f, pm + ".lyra_input_gain", p.lyra_input_gain_size(), 6, "the rest is ignored");
-  CheckCount(f, pm + ".bypass_hpeq", p.bypass_hpeq_size(), 6, "the rest is ignored");
-  CheckCount(f, pm + ".aeq_enable", p.aeq_enable_size(), 6, "the rest is ignored");
-  CheckCount(f, pm + ".bypass_mode", p.bypass_mode_size(), 5, "the rest is ignored");
+  CheckCount(f, pm + ".lyra_input_gain", p.lyra_input_gain_size(), kModeSlots, "the rest is ignored");
+  CheckCount(f, pm + ".bypass_hpeq", p.bypass_hpeq_size(), kModeSlots, "the rest is ignored");
+  CheckCount(f, pm + ".aeq_enable", p.aeq_enable_size(), kModeSlots, "the rest is ignored");
+  CheckCount(f, pm + ".bypass_mode", p.bypass_mode_size(), kBypassModes, "the rest is ignored");
   if (p.has_enhance2()) {
-    CheckCount(f, pm + ".enhance2.htest", p.enhance2().htest_size(), 7, "the rest is ignored");
-    CheckCount(f, pm + ".enhance2.ref_htest", p.enhance2().ref_htest_size(), 7, "the rest is ignored");
+    CheckCount(f, pm + ".enhance2.htest", p.enhance2().htest_size(), kHtest, "the rest is ignored");
+    CheckCount(f, pm + ".enhance2.ref_htest", p.enhance2().ref_htest_size(), kHtest, "the rest is ignored");
     for (int v : p.enhance2().ref_htest()) {
       if (v < 0) {
         f.Add(pm + ".enhance2.ref_htest", "a negative value fails the postmix populate (-997)");
@@ -181,43 +250,42 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
   }
   if (p.has_brio()) {
     const auto& b = p.brio();
-    CheckInt16(f, pm + ".brio", b, {"input_gain", "output_gain", "bypass_gain", "def_level", "focus_level"});
+    CheckInt16(f, pm + ".brio", b, kPostmixControl, "brio.");
     if (b.has_ova3d()) {
-      CheckInt16(f, pm + ".brio.ova3d", b.ova3d(),
-                 {"input_gain", "output_gain", "bypass_gain", "space_level", "center_level"});
+      CheckInt16(f, pm + ".brio.ova3d", b.ova3d(), kPostmixControl, "brio.ova3d.");
     }
     if (b.has_vista()) {
-      CheckInt16(f, pm + ".brio.vista", b.vista(),
-                 {"input_gain", "bypass_gain", "center_boost_level", "speaker_separation_level"});
+      CheckInt16(f, pm + ".brio.vista", b.vista(), kPostmixControl, "brio.vista.");
     }
-    if (b.has_thumpx()) CheckInt16(f, pm + ".brio.thumpx", b.thumpx(), {"input_gain"});
+    if (b.has_thumpx()) CheckInt16(f, pm + ".brio.thumpx", b.thumpx(), kPostmixControl, "brio.thumpx.");
   }
   if (p.has_geq10b()) {
-    CheckInt16(f, pm + ".geq10b", p.geq10b(),
-               {"input_gain", "band0_gain", "band1_gain", "band2_gain", "band3_gain", "band4_gain", "band5_gain",
-                "band6_gain", "band7_gain", "band8_gain", "band9_gain"});
+    CheckInt16(f, pm + ".geq10b", p.geq10b(), kPostmixControl, "geq10b.");
   }
-  if (p.has_aeq()) CheckInt16(f, pm + ".aeq", p.aeq(), {"input_gain", "output_gain", "bypass_gain"});
-  if (p.has_mbhl()) CheckInt16(f, pm + ".mbhl", p.mbhl(), {"output_gain", "anti_clip_level"});
-  if (p.has_lyra() && p.lyra().super_stereo_coef_size() != 0 && p.lyra().super_stereo_coef_size() != 4) {
-    f.Add(pm + ".lyra.super_stereo_coef",
-          std::to_string(p.lyra().super_stereo_coef_size()) + " values; only exactly 4 are copied, so none is");
+  if (p.has_aeq()) CheckInt16(f, pm + ".aeq", p.aeq(), kPostmixControl, "aeq.");
+  if (p.has_mbhl()) CheckInt16(f, pm + ".mbhl", p.mbhl(), kPostmixControl, "mbhl.");
+  if (p.has_lyra() && p.lyra().super_stereo_coef_size() != 0 &&
+      p.lyra().super_stereo_coef_size() != kSuperStereoCoef) {
+    f.Add(pm + ".lyra.super_stereo_coef", std::to_string(p.lyra().super_stereo_coef_size()) +
+                                              " values; only exactly " + std::to_string(kSuperStereoCoef) +
+                                              " are copied, so none is");
   }
 
   // Coefficient tables.
   if (p.has_hpf_coef()) {
-    const CoefTable* t = TableForRate(p.hpf_coef().coeffs(), rate);
+    const CoefTable* t = findCoefficients(p.hpf_coef().coeffs(), rate);
     if (!t) {
       f.Add(pm + ".hpf_coef.coeffs", "no table for " + std::to_string(rate) + " Hz");
-    } else if (t->coeff_32_size() > 20) {
+    } else if (t->coeff_32_size() > kHpfCoeffs) {
       f.Add(pm + ".hpf_coef.coeffs", "the " + std::to_string(rate) + " Hz table has " +
-                                         std::to_string(t->coeff_32_size()) + " values (at most 20): nothing is copied");
+                                         std::to_string(t->coeff_32_size()) + " values (at most " +
+                                         std::to_string(kHpfCoeffs) + "): nothing is copied");
     }
   }
   if (p.has_brio_hpf_coef() && p.brio_hpf_coef().order() != 0) {
     const auto& tables = p.brio_hpf_coef().hpf_coeffs();
-    CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", tables, rate, true, 20);
-    const CoefTable* t = TableForRate(tables, rate);
+    CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", tables, rate, true, kBrioHpfCoeffs);
+    const CoefTable* t = findCoefficients(tables, rate);
     if (t && t->coeff_16_size() == 0 && t->coeff_32_size() > 0) {
       f.Add(pm + ".brio_hpf_coef.hpf_coeffs", "the " + std::to_string(rate) +
                                                   " Hz table holds only coeff_32; the Brio high-pass loads coeff_16, so "
@@ -225,20 +293,20 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
     }
   }
   if (p.has_brio_xover_coef()) {
-    CheckTables(f, pm + ".brio_xover_coef.lpf_coeffs", p.brio_xover_coef().lpf_coeffs(), rate, true, 14);
-    CheckTables(f, pm + ".brio_xover_coef.hpf_coeffs", p.brio_xover_coef().hpf_coeffs(), rate, true, 14);
+    CheckTables(f, pm + ".brio_xover_coef.lpf_coeffs", p.brio_xover_coef().lpf_coeffs(), rate, true, kXoverLpf);
+    CheckTables(f, pm + ".brio_xover_coef.hpf_coeffs", p.brio_xover_coef().hpf_coeffs(), rate, true, kXoverHpf);
   }
-  if (p.has_thumpx_coef()) {
+  // The driver's own gate decides whether the Thumpx coefficients are read.
+  const QuillTraceReason thumpx_gate = quillheron::thumpxGate(p);
+  if (thumpx_gate == QUILL_REASON_SPEAKER_SIZE) {
+    f.Add(pm + ".brio.thumpx.speaker_size",
+          std::to_string(p.brio().thumpx().speaker_size()) + " is not " +
+              std::to_string(QUILL_THUMPX_COEFF_SPEAKER_SIZE) +
+              " while Thumpx coefficients are present: the coefficients are never loaded");
+  } else if (thumpx_gate == QUILL_REASON_NONE) {
     const auto& tc = p.thumpx_coef();
-    const bool gated = p.has_brio() && p.brio().enable() != 0 && p.brio().has_thumpx() &&
-                       p.brio().thumpx().enable() != 0;
-    if (p.brio().thumpx().speaker_size() != 12) {
-      f.Add(pm + ".brio.thumpx.speaker_size",
-            std::to_string(p.brio().thumpx().speaker_size()) +
-                " is not 12 while Thumpx coefficients are present: the coefficients are never loaded");
-    }
     if (tc.coeffs_size() > 0) {
-      CheckTables(f, pm + ".thumpx_coef.coeffs", tc.coeffs(), rate, false, 63);
+      CheckTables(f, pm + ".thumpx_coef.coeffs", tc.coeffs(), rate, false, kThumpxCoeffs);
       for (int i = 0; i < tc.coeffs_size(); ++i) {
         if (tc.coeffs(i).samplerate() != rate) {
           f.Add(pm + ".thumpx_coef.coeffs[" + std::to_string(i) + "]",
@@ -253,21 +321,20 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
             std::to_string(tc.filterdesignparams().sampling_rate()) + " is not " + std::to_string(rate) +
                 ": the Thumpx design fails (-998)");
     }
-    (void)gated;
   }
-  if (p.has_mbhl() && p.mbhl().enable() != 0) {
+  if (quillheron::mbhlGate(p) == QUILL_REASON_NONE) {
     if (p.has_mbhl_coef()) {
       const auto& mc = p.mbhl_coef();
-      for (const auto& [name, table, present] :
-           {std::make_tuple("low_cross_coeffs", &mc.low_cross_coeffs(), mc.has_low_cross_coeffs()),
-            std::make_tuple("mid_cross_coeffs", &mc.mid_cross_coeffs(), mc.has_mid_cross_coeffs())}) {
+      for (const auto& [name, table, present, capacity] :
+           {std::make_tuple("low_cross_coeffs", &mc.low_cross_coeffs(), mc.has_low_cross_coeffs(), kMbhlLow),
+            std::make_tuple("mid_cross_coeffs", &mc.mid_cross_coeffs(), mc.has_mid_cross_coeffs(), kMbhlMid)}) {
         const std::string path = pm + ".mbhl_coef." + name;
         if (!present) {
           f.Add(path, "missing: the MBHL load fails (-998)");
         } else if (table->samplerate() != rate) {
           f.Add(path, "a table for " + std::to_string(table->samplerate()) + " Hz, not " + std::to_string(rate) + " Hz");
         } else {
-          CheckCount(f, path + ".coeff_32", table->coeff_32_size(), 12, "cut at 12");
+          CheckCount(f, path + ".coeff_32", table->coeff_32_size(), capacity);
         }
       }
     } else {
@@ -281,22 +348,13 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
               std::to_string(dp.sampling_rate()) + " is not " + std::to_string(rate) + ": the MBHL design fails (-998)");
       }
     }
-    if (p.mbhl().dist_prev_enable() != 0) {
+    if (quillheron::distPrevGate(p) == QUILL_REASON_NONE) {
       if (p.mbhl_dist_prev_size() == 2) {
         for (int i = 0; i < 2; ++i) {
-          const auto& e = p.mbhl_dist_prev(i);
-          const std::string path = pm + ".mbhl_dist_prev[" + std::to_string(i) + "]";
-          CheckCount(f, path + ".sense_config.bandSosCount", e.sense_config().bandsoscount_size(), 6, "cut at 6");
-          CheckCount(f, path + ".sense_config.bandCoeffs", e.sense_config().bandcoeffs_size(), 144, "cut at 144");
-          CheckCount(f, path + ".sense_config.bandCoeffsFloat32", e.sense_config().bandcoeffsfloat32_size(), 108,
-                     "cut at 108");
-          const auto& n = e.notch_config();
-          CheckCount(f, path + ".notch_config.bandAttenuationMax", n.bandattenuationmax_size(), 6, "cut at 6");
-          CheckCount(f, path + ".notch_config.bandGainScalars", n.bandgainscalars_size(), 6, "cut at 6");
-          CheckCount(f, path + ".notch_config.bandSosCount", n.bandsoscount_size(), 6, "cut at 6");
-          CheckCount(f, path + ".notch_config.smoothers", n.smoothers_size(), 9, "cut at 9");
-          CheckCount(f, path + ".notch_config.bandCoeffs", n.bandcoeffs_size(), 144, "cut at 144");
-          CheckCount(f, path + ".notch_config.bandCoeffsFloat32", n.bandcoeffsfloat32_size(), 108, "cut at 108");
+          const std::string path = pm + ".mbhl_dist_prev[" + std::to_string(i) + "].";
+          for (const DistPrevArray& a : kDistPrevArrays) {
+            CheckCount(f, path + a.path, a.count(p.mbhl_dist_prev(i)), a.capacity);
+          }
         }
       } else if (s.designerparameters().mbhl_nf_design_params_size() != 2) {
         f.Add("DesignerParameters.mbhl_nf_design_params",
@@ -307,9 +365,10 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
   }
   for (int i = 0; i < s.designerparameters().mbhl_nf_design_params_size(); ++i) {
     const int ct = s.designerparameters().mbhl_nf_design_params(i).nf_band_ct();
-    if (ct < 0 || ct > 6) {
+    if (ct < 0 || ct > kDistPrevBands) {
       f.Add("DesignerParameters.mbhl_nf_design_params[" + std::to_string(i) + "].nf_band_ct",
-            std::to_string(ct) + " is outside 0 to 6 (designs are cut at 6 bands)");
+            std::to_string(ct) + " is outside 0 to " + std::to_string(kDistPrevBands) + " (designs are cut at " +
+                std::to_string(kDistPrevBands) + " bands)");
     }
   }
 
@@ -319,9 +378,10 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
     const RepeatedPtrField<quill::pb::hub::ResourceLocator>* locators;
     unsigned int capacity;
   };
-  const RoomList rooms[] = {{"wideRoom", &p.wideroom(), kQuillWideRoomBytes},
-                            {"frontRoom", &p.frontroom(), kQuillFrontRoomBytes},
-                            {"multichRoom", &p.multichroom(), kQuillMultichRoomBytes}};
+  const RoomList rooms[] = {{"wideRoom", &p.wideroom(), qh_catalogue::RegionForStep(QUILL_STEP_WIDE_ROOM)->bytes},
+                            {"frontRoom", &p.frontroom(), qh_catalogue::RegionForStep(QUILL_STEP_FRONT_ROOM)->bytes},
+                            {"multichRoom", &p.multichroom(),
+                             qh_catalogue::RegionForStep(QUILL_STEP_MULTICHANNEL_ROOM)->bytes}};
   for (const RoomList& list : rooms) {
     for (int i = 0; i < list.locators->size(); ++i) {
       const std::string path = pm + "." + list.name + "[" + std::to_string(i) + "]";
@@ -343,14 +403,14 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
     ResolveLocator(
         f, path, p.hpeqcoef(i).uuid(), models, [](const auto& m) -> const auto& { return m.headphones(); },
         "headphone EQ", [&](const quill::pb::model::headphoneEq& eq, const std::string& source) {
-          if (!ListedForRoute(eq.audio_route_info(), route)) {
+          if (!quillheron::servesRoute(eq, route)) {
             f.Add(path, "headphone EQ '" + eq.uuid() + "' in " + source + " is not listed for route " +
                             quill::pb::hub::AudioRoute_Name(route));
           } else if (QuillPb::sizeofHpeq(&eq, rate) == 0) {
             f.Add(path, "headphone EQ '" + eq.uuid() + "' has no table for " + std::to_string(rate) + " Hz");
-          } else if (eq.ihpirlength() > 128) {
+          } else if (eq.ihpirlength() > static_cast<unsigned>(kHpeqTapsPerChannel)) {
             f.Add(path, "headphone EQ '" + eq.uuid() + "' has ihpirLength " + std::to_string(eq.ihpirlength()) +
-                            ": each channel is cut to 128 taps");
+                            ": each channel is cut to " + std::to_string(kHpeqTapsPerChannel) + " taps");
           }
         });
   }
@@ -359,7 +419,7 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
     ResolveLocator(
         f, path, p.aeqcoef(i).uuid(), models, [](const auto& m) -> const auto& { return m.aeqs(); }, "AEQ",
         [&](const quill::pb::coef::Aeq& aeq, const std::string& source) {
-          if (!ListedForRoute(aeq.audio_route_info(), route)) {
+          if (!quillheron::servesRoute(aeq, route)) {
             f.Add(path, "AEQ '" + aeq.uuid() + "' in " + source + " is not listed for route " +
                             quill::pb::hub::AudioRoute_Name(route));
             return;
@@ -367,11 +427,12 @@ void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRout
           int usable = 0;
           for (int b = 0; b < aeq.coefficient_table_size(); ++b) {
             const auto& bank = aeq.coefficient_table(b);
-            const CoefTable* t = TableForRate(bank.iircoefs(), rate);
+            const CoefTable* t = findCoefficients(bank.iircoefs(), rate);
             usable += t != nullptr;
-            if (t && t->coeff_32_size() > 74) {
+            if (t && t->coeff_32_size() > kAeqIir) {
               f.Add(path, "AEQ '" + aeq.uuid() + "' bank " + std::to_string(b) + " has " +
-                              std::to_string(t->coeff_32_size()) + " IIR values, the native bank holds 74");
+                              std::to_string(t->coeff_32_size()) + " IIR values, the native bank holds " +
+                              std::to_string(kAeqIir));
             }
           }
           if (usable < 2) {
@@ -407,12 +468,12 @@ int RunValidate(const ValidateOptions& o) {
     for (size_t i = 0; i < loaded.models.size(); ++i) models.list.push_back({loaded.models[i].get(), loaded.paths[i]});
     if (s.postmix().has_model()) models.list.push_back({&s.postmix().model(), "the embedded model"});
     const auto& pre = s.premix();
-    CheckCount(f, "premix.bypass_mode", pre.bypass_mode_size(), 5, "the rest is ignored");
+    CheckCount(f, "premix.bypass_mode", pre.bypass_mode_size(), kPremixBypassModes, "the rest is ignored");
     if (pre.has_enhance2()) {
-      CheckCount(f, "premix.enhance2.htest", pre.enhance2().htest_size(), 7, "the rest is ignored");
-      CheckCount(f, "premix.enhance2.ref_htest", pre.enhance2().ref_htest_size(), 7, "the rest is ignored");
+      CheckCount(f, "premix.enhance2.htest", pre.enhance2().htest_size(), kPremixHtest, "the rest is ignored");
+      CheckCount(f, "premix.enhance2.ref_htest", pre.enhance2().ref_htest_size(), kPremixHtest, "the rest is ignored");
     }
-    if (pre.has_steady()) CheckInt16(f, "premix.steady", pre.steady(), {"input_gain", "output_gain", "lkfs_gain"});
+    if (pre.has_steady()) CheckInt16(f, "premix.steady", pre.steady(), kPremix, "steady.");
     CheckPostmix(f, s, route.route(), o.rate, models);
     CheckModels(f, models);
   }

@@ -1,218 +1,143 @@
+// Text and JSON renderings of the postmix driver's trace.
 #include "populate_report.h"
 
-#include <cctype>
+#include <cstdio>
 
-#include "QuillPb.h"
+#include "record_layout.h"
 
 namespace heron_tool {
 namespace {
 
-using quill::pb::coef::CoefTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
-using quill::pb::model::listeningModel;
-
-bool EqualIgnoringCase(const std::string& a, const std::string& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(a[i])) !=
-        std::toupper(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
+std::string ModelSource(int model, const LoadedModels& models) {
+  if (model == QUILL_TRACE_MODEL_EMBEDDED) return "the route's embedded model";
+  if (model >= 0 && static_cast<size_t>(model) < models.paths.size()) return models.paths[model];
+  return "no model";
 }
 
-// The models the driver searches: the caller's, then the embedded one.
-struct ModelRef {
-  const listeningModel* model;
-  std::string source;
-};
+std::string Hz(int rate) { return std::to_string(rate) + " Hz"; }
 
-std::vector<ModelRef> SearchOrder(const Postmix& postmix, const LoadedModels& models) {
-  std::vector<ModelRef> out;
-  for (size_t i = 0; i < models.models.size(); ++i) {
-    out.push_back({models.models[i].get(), models.paths[i]});
-  }
-  if (postmix.has_model()) out.push_back({&postmix.model(), "the route's embedded model"});
-  return out;
-}
-
-const CoefTable* TableForRate(const google::protobuf::RepeatedPtrField<CoefTable>& tables, int rate) {
-  for (const CoefTable& t : tables) {
-    if (t.has_samplerate() && t.samplerate() == rate) return &t;
-  }
-  return nullptr;
-}
-
-std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
-
-std::string DescribeRoom(const std::string& uuid, const std::vector<ModelRef>& order, int rate) {
-  if (uuid.empty()) return "no room requested (empty identifier)";
-  for (const ModelRef& m : order) {
-    for (const auto& room : m.model->rooms()) {
-      if (!EqualIgnoringCase(room.uuid(), uuid)) continue;
-      const unsigned int bytes = QuillPb::sizeofRoom(&room, rate);
-      if (bytes == 0) {
-        return uuid + " " + Quoted(room.name()) + " from " + m.source + ": no table for " +
-               std::to_string(rate) + " Hz";
-      }
-      return uuid + " " + Quoted(room.name()) + " from " + m.source + ": " +
-             std::to_string((bytes - 40) / 2) + " taps at " + std::to_string(rate) + " Hz";
-    }
-  }
-  return uuid + ": not found in any listening model";
-}
-
-void DescribeRooms(const Postmix& postmix, const std::vector<ModelRef>& order, int room_mask,
-                   int rate, std::vector<std::pair<std::string, std::string>>* out) {
-  struct RoomList {
-    int bit;
-    const char* name;
-    const google::protobuf::RepeatedPtrField<quill::pb::hub::ResourceLocator>* locators;
-  };
-  const RoomList lists[] = {{2, "wide room", &postmix.wideroom()},
-                            {4, "front room", &postmix.frontroom()},
-                            {8, "multichannel room", &postmix.multichroom()}};
-  for (const RoomList& list : lists) {
-    if ((room_mask & list.bit) == 0) {
-      out->emplace_back(list.name, "not selected by the room mask");
-      continue;
-    }
-    std::vector<std::string> uuids;
-    for (const auto& loc : *list.locators) uuids.push_back(loc.uuid());
-    std::string prefix;
-    if (uuids.empty() && postmix.has_model()) {
-      for (const auto& room : postmix.model().rooms()) uuids.push_back(room.uuid());
-      prefix = "(no locators; the embedded model's rooms) ";
-    }
-    if (uuids.empty()) {
-      out->emplace_back(list.name, "none listed");
-      continue;
-    }
-    for (const std::string& uuid : uuids) out->emplace_back(list.name, prefix + DescribeRoom(uuid, order, rate));
+// Why a step was skipped, did nothing or failed, in words.
+std::string ReasonText(const QuillTraceEntry& e, int rate) {
+  switch (e.reason) {
+    case QUILL_REASON_ROOM_MASK: return "not selected by the room mask";
+    case QUILL_REASON_NONE_LISTED: return "none listed";
+    case QUILL_REASON_EMPTY_IDENTIFIER: return "empty identifier";
+    case QUILL_REASON_ABSENT: return "no coefficients in the settings";
+    case QUILL_REASON_ORDER_ZERO: return "order 0 disables loading";
+    case QUILL_REASON_BRIO_OFF: return "Brio absent or disabled";
+    case QUILL_REASON_THUMPX_OFF: return "Brio's Thumpx absent or disabled";
+    case QUILL_REASON_NO_THUMPX_COEF: return "no thumpx_coef";
+    case QUILL_REASON_SPEAKER_SIZE:
+      return "Thumpx speaker_size is not " + std::to_string(QUILL_THUMPX_COEFF_SPEAKER_SIZE);
+    case QUILL_REASON_MBHL_OFF: return "Mbhl absent or disabled";
+    case QUILL_REASON_DIST_PREV_OFF: return "dist_prev_enable is 0";
+    case QUILL_REASON_NOT_FOUND: return "not found in any listening model";
+    case QUILL_REASON_NOT_FOR_ROUTE: return "no entry for this identifier serves the route";
+    case QUILL_REASON_NO_TABLE_FOR_RATE: return "no table for " + Hz(rate);
+    case QUILL_REASON_TABLE_OF_OTHER_RATE: return "a table of another rate than " + Hz(rate) + " fails the load";
+    case QUILL_REASON_TOO_LONG: return "the " + Hz(rate) + " table is longer than the native array";
+    case QUILL_REASON_DOES_NOT_FIT: return "larger than its region";
+    case QUILL_REASON_INCOMPLETE: return "a required table or part is missing";
+    case QUILL_REASON_NO_DESIGN_PARAMETERS: return "neither tables nor complete design parameters";
+    case QUILL_REASON_DESIGN_RATE: return "design parameters are for " + Hz(e.rate) + ", not " + Hz(rate);
+    case QUILL_REASON_DESIGNER_REJECTED: return "the designer rejected the parameters";
+    case QUILL_REASON_NEGATIVE_REF_HTEST: return "a negative Enhance2 ref_htest value";
+    case QUILL_REASON_EARLIER_STEP_FAILED: return "an earlier step failed";
+    default: return quillTraceReasonName(e.reason);
   }
 }
 
-std::string DescribeHpeq(quill::pb::hub::AudioRoute route, const std::string& uuid,
-                         const std::vector<ModelRef>& order, int rate) {
-  for (const ModelRef& m : order) {
-    for (const auto& eq : m.model->headphones()) {
-      if (!EqualIgnoringCase(eq.uuid(), uuid)) continue;
-      bool accepted = eq.audio_route_info_size() == 0;
-      for (const auto& info : eq.audio_route_info()) accepted |= info.route() == route;
-      if (!accepted) break;  // the search moves on to the next model
-      const unsigned int bytes = QuillPb::sizeofHpeq(&eq, rate);
-      if (bytes == 0) return uuid + " from " + m.source + ": no table for " + std::to_string(rate) + " Hz";
-      return uuid + " " + Quoted(eq.name()) + " from " + m.source + ": " +
-             std::to_string((bytes - 24) / 2) + " values, ihpirLength " + std::to_string(eq.ihpirlength());
-    }
+// What was loaded and from where.
+std::string SourceText(const QuillTraceEntry& e, const LoadedModels& models) {
+  const std::string id = e.uuid[0] != '\0' ? std::string(e.uuid) + " " : "";
+  switch (e.source) {
+    case QUILL_SOURCE_MODEL:
+      return id + "from " + ModelSource(e.model, models) + ", " + std::to_string(e.count) +
+             (e.step == QUILL_STEP_AEQ ? " filter banks" : " values") + " at " + Hz(e.rate);
+    case QUILL_SOURCE_TABLE: return "table for " + Hz(e.rate) + ", " + std::to_string(e.count) + " values";
+    case QUILL_SOURCE_DESIGN:
+      if (e.step == QUILL_STEP_DISTORTION_PREVENTION) return "designed from the two notch parameter sets";
+      if (e.outcome == QUILL_OUTCOME_FAILED) return "design parameters for " + Hz(e.rate);
+      return "designed from parameters for " + Hz(e.rate) + ", " + std::to_string(e.count) + " values";
+    case QUILL_SOURCE_RECORDS: return "copied from the two precomputed records";
+    default: return id.empty() ? "" : id.substr(0, id.size() - 1);
   }
-  return uuid + ": no headphone EQ for this route (none loaded)";
 }
 
-std::string DescribeAeq(quill::pb::hub::AudioRoute route, const Postmix& postmix,
-                        const std::vector<ModelRef>& order, int rate) {
-  for (const auto& loc : postmix.aeqcoef()) {
-    if (loc.uuid().empty()) continue;
-    for (const ModelRef& m : order) {
-      for (const auto& aeq : m.model->aeqs()) {
-        if (!EqualIgnoringCase(aeq.uuid(), loc.uuid())) continue;
-        bool accepted = aeq.audio_route_info_size() == 0;
-        for (const auto& info : aeq.audio_route_info()) accepted |= info.route() == route;
-        if (!accepted) break;
-        int with_table = 0;
-        for (const auto& bank : aeq.coefficient_table()) with_table += TableForRate(bank.iircoefs(), rate) != nullptr;
-        return loc.uuid() + " from " + m.source + ": " + std::to_string(aeq.coefficient_table_size()) +
-               " filter banks, " + std::to_string(with_table) + " with a table for " + std::to_string(rate) + " Hz";
-      }
-    }
-    return loc.uuid() + ": no AEQ for this route";
-  }
-  return "none listed";
+// Why a step failed, with what it tried to load.
+std::string FailureText(const QuillTraceEntry& e, const LoadedModels& models, int rate) {
+  const std::string source = SourceText(e, models);
+  const bool said = source.empty() || e.reason == QUILL_REASON_DESIGN_RATE;
+  return ReasonText(e, rate) + (said ? "" : " (" + source + ")");
 }
 
-std::string TableSummary(const google::protobuf::RepeatedPtrField<CoefTable>& tables, int rate,
-                         bool sixteen) {
-  const CoefTable* t = TableForRate(tables, rate);
-  if (!t) return tables.empty() ? "no tables" : "no table for " + std::to_string(rate) + " Hz";
-  const int n = sixteen ? t->coeff_16_size() : t->coeff_32_size();
-  return "table for " + std::to_string(rate) + " Hz, " + std::to_string(n) + (sixteen ? " halfwords" : " words");
+std::string EntryText(const QuillTraceEntry& e, const LoadedModels& models, int rate) {
+  const std::string source = SourceText(e, models);
+  const std::string with = source.empty() ? "" : " (" + source + ")";
+  switch (e.outcome) {
+    case QUILL_OUTCOME_LOADED: return source.empty() ? "loaded" : source;
+    case QUILL_OUTCOME_NOTHING: return "nothing loaded: " + ReasonText(e, rate) + with;
+    case QUILL_OUTCOME_FAILED:
+      return "FAILED " + std::to_string(e.result) + ": " + FailureText(e, models, rate);
+    case QUILL_OUTCOME_SKIPPED: return "not loaded: " + ReasonText(e, rate);
+    case QUILL_OUTCOME_NOT_REACHED: return "not loaded: an earlier step failed";
+    default: return "?";
+  }
+}
+
+std::string StepLabel(const QuillTraceEntry& e) {
+  std::string label = quillTraceStepName(e.step);
+  if (e.item >= 0) label += "[" + std::to_string(e.item) + "]";
+  return label;
 }
 
 }  // namespace
 
-std::vector<std::pair<std::string, std::string>> DescribePostmixSources(
-    quill::pb::hub::AudioRoute route, const HeronSettings& settings, const LoadedModels& models,
-    int room_mask, int rate) {
-  std::vector<std::pair<std::string, std::string>> out;
-  const Postmix& postmix = settings.postmix();
-  const std::vector<ModelRef> order = SearchOrder(postmix, models);
+std::string FailedStepText(const QuillPostmixTrace& trace, const LoadedModels& models, int rate) {
+  for (int i = 0; i < trace.count; ++i) {
+    const QuillTraceEntry& e = trace.entries[i];
+    if (e.outcome == QUILL_OUTCOME_FAILED) {
+      return StepLabel(e) + " (" + std::to_string(e.result) + "): " + FailureText(e, models, rate);
+    }
+  }
+  return "";
+}
 
-  DescribeRooms(postmix, order, room_mask, rate, &out);
-  if (postmix.hpeqcoef_size() == 0) out.emplace_back("headphone EQ", "none listed");
-  for (const auto& loc : postmix.hpeqcoef()) out.emplace_back("headphone EQ", DescribeHpeq(route, loc.uuid(), order, rate));
-  out.emplace_back("output high-pass", postmix.has_hpf_coef()
-                                           ? TableSummary(postmix.hpf_coef().coeffs(), rate, false) +
-                                                 ", order " + std::to_string(postmix.hpf_coef().order())
-                                           : "not present");
-  out.emplace_back("AEQ", DescribeAeq(route, postmix, order, rate));
-  const auto& xover = postmix.brio_xover_coef();
-  out.emplace_back("Brio crossover", "low-pass " + TableSummary(xover.lpf_coeffs(), rate, true) +
-                                         "; high-pass " + TableSummary(xover.hpf_coeffs(), rate, true) +
-                                         ", order " + std::to_string(xover.order()));
-  const auto& bhpf = postmix.brio_hpf_coef();
-  out.emplace_back("Brio high-pass", bhpf.order() == 0 ? "order 0: not loaded"
-                                                        : TableSummary(bhpf.hpf_coeffs(), rate, true) +
-                                                              ", order " + std::to_string(bhpf.order()));
+std::vector<std::string> TraceLines(const QuillPostmixTrace& trace, const LoadedModels& models, int rate) {
+  std::vector<std::string> lines;
+  for (int i = 0; i < trace.count; ++i) {
+    const QuillTraceEntry& e = trace.entries[i];
+    const auto* region = qh_catalogue::RegionForStep(e.step);
+    char head[64];
+    std::snprintf(head, sizeof head, "%-24s @%-6u ", StepLabel(e).c_str(), region ? region->offset : 0u);
+    lines.push_back(head + EntryText(e, models, rate));
+  }
+  if (trace.dropped > 0) {
+    lines.push_back("... " + std::to_string(trace.dropped) + " more entries beyond the trace's " +
+                    std::to_string(QUILL_TRACE_CAPACITY));
+  }
+  return lines;
+}
 
-  // Bass enhancement: only for an enabled Brio/Thumpx with speaker size 12.
-  const auto& brio = postmix.brio();
-  std::string thumpx;
-  if (!postmix.has_brio() || brio.enable() == 0 || !brio.has_thumpx() || brio.thumpx().enable() == 0) {
-    thumpx = "not loaded: Brio or its Thumpx is absent or disabled";
-  } else if (!postmix.has_thumpx_coef()) {
-    thumpx = "not loaded: no thumpx_coef";
-  } else if (brio.thumpx().speaker_size() != 12) {
-    thumpx = "not loaded: Thumpx speaker_size " + std::to_string(brio.thumpx().speaker_size()) + " is not 12";
-  } else if (postmix.thumpx_coef().coeffs_size() > 0) {
-    thumpx = "from tables: " + TableSummary(postmix.thumpx_coef().coeffs(), rate, false);
-  } else if (postmix.thumpx_coef().has_filterdesignparams()) {
-    const auto& p = postmix.thumpx_coef().filterdesignparams();
-    thumpx = "designed from filterDesignParams (speaker size " + std::to_string(p.custom_speaker_size()) +
-             ", designed for " + std::to_string(p.sampling_rate()) + " Hz)";
-  } else {
-    thumpx = "neither tables nor design parameters";
+void WriteTraceJson(JsonWriter& j, const QuillPostmixTrace& trace, const LoadedModels& models) {
+  j.BeginArray();
+  for (int i = 0; i < trace.count; ++i) {
+    const QuillTraceEntry& e = trace.entries[i];
+    j.BeginObject().Key("step").String(quillTraceStepName(e.step));
+    if (e.item >= 0) j.Key("item").Int(e.item);
+    j.Key("outcome").String(quillTraceOutcomeName(e.outcome)).Key("result").Int(e.result);
+    j.Key("source").String(quillTraceSourceName(e.source)).Key("reason").String(quillTraceReasonName(e.reason));
+    if (e.model != QUILL_TRACE_MODEL_NONE) j.Key("model").String(ModelSource(e.model, models));
+    if (e.uuid[0] != '\0') j.Key("uuid").String(e.uuid);
+    if (e.rate != 0) j.Key("rate").Int(e.rate);
+    if (e.count != 0) j.Key("count").Int(e.count);
+    if (const auto* region = qh_catalogue::RegionForStep(e.step)) {
+      j.Key("region").BeginObject().Key("name").String(region->name).Key("offset").Int(region->offset);
+      j.Key("bytes").Int(region->bytes).EndObject();
+    }
+    j.EndObject();
   }
-  out.emplace_back("Thumpx", thumpx);
-
-  const auto& mbhl = postmix.mbhl();
-  if (!postmix.has_mbhl() || mbhl.enable() == 0) {
-    out.emplace_back("MBHL crossovers", "not loaded: Mbhl absent or disabled");
-    out.emplace_back("distortion prevention", "not loaded: Mbhl absent or disabled");
-    return out;
-  }
-  if (postmix.has_mbhl_coef()) {
-    out.emplace_back("MBHL crossovers", "from tables (low " +
-                                            std::to_string(postmix.mbhl_coef().low_cross_coeffs().samplerate()) +
-                                            " Hz, mid " +
-                                            std::to_string(postmix.mbhl_coef().mid_cross_coeffs().samplerate()) + " Hz)");
-  } else {
-    const auto& p = settings.designerparameters().mbhl_design_params();
-    out.emplace_back("MBHL crossovers", "designed at " + std::to_string(p.custom_low_cross()) + " Hz and " +
-                                            std::to_string(p.custom_mid_cross()) + " Hz (parameters for " +
-                                            std::to_string(p.sampling_rate()) + " Hz)");
-  }
-  if (mbhl.dist_prev_enable() == 0) {
-    out.emplace_back("distortion prevention", "not loaded: dist_prev_enable is 0");
-  } else if (postmix.mbhl_dist_prev_size() == 2) {
-    out.emplace_back("distortion prevention", "from the two precomputed designs");
-  } else {
-    out.emplace_back("distortion prevention",
-                     "designed from " + std::to_string(settings.designerparameters().mbhl_nf_design_params_size()) +
-                         " notch design parameter sets");
-  }
-  return out;
+  j.EndArray();
 }
 
 }  // namespace heron_tool

@@ -1,22 +1,28 @@
-// Describes, for a populate run, where each postmix region comes from: which
-// room, headphone EQ or AEQ of which model, which coefficient table, or which
-// designer. Derived from the messages; it reports, it does not populate.
+// Renders the postmix driver's trace for `heron populate`: one text line per
+// step (or per item of a list step) and the same as JSON. It renders what the
+// driver reported; it decides nothing itself.
 #ifndef QUILLHERON_TOOLS_POPULATE_REPORT_H_
 #define QUILLHERON_TOOLS_POPULATE_REPORT_H_
 
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "heron_v1_1.pb.h"
+#include "json_writer.h"
 #include "model_inputs.h"
+#include "quillHeronPostmixTrace.h"
 
 namespace heron_tool {
 
-// (region, description) lines in the order the postmix driver visits them.
-std::vector<std::pair<std::string, std::string>> DescribePostmixSources(
-    quill::pb::hub::AudioRoute route, const quill::pb::heron_v1_1::HeronSettings& settings,
-    const LoadedModels& models, int room_mask, int rate);
+// The failing step and why, e.g. "thumpx: design parameters are for 48000 Hz,
+// not 44100 Hz"; empty when no step failed.
+std::string FailedStepText(const QuillPostmixTrace& trace, const LoadedModels& models, int rate);
+
+// "<step>[item]  @<region offset>  <what happened>" lines in driver order.
+std::vector<std::string> TraceLines(const QuillPostmixTrace& trace, const LoadedModels& models, int rate);
+
+// The entries as a JSON array of objects with stable keys: step, outcome,
+// result, source, reason, region (and item, model, uuid, rate, count when set).
+void WriteTraceJson(JsonWriter& j, const QuillPostmixTrace& trace, const LoadedModels& models);
 
 }  // namespace heron_tool
 

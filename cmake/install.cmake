@@ -86,6 +86,3 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/quillheron.pc.in
 install(FILES ${CMAKE_BINARY_DIR}/cmake/quillheron.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# Whatever the directories added after this file install without naming a
-# component (the heron tool in tools/) goes to the `tool` component.
-set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tool)

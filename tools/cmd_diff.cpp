@@ -10,7 +10,7 @@
 #include "diff_records.h"
 #include "json_writer.h"
 #include "model_inputs.h"
-#include "record_fields.h"
+#include "record_layout.h"
 #include "settings_types.h"
 
 namespace heron_tool {
@@ -34,18 +34,21 @@ struct Inputs {
 };
 
 Compared CompareRecords(const DiffOptions& o, const Inputs& in) {
-  RecordKind ka, kb;
-  if (!RecordKindForSize(in.a.size(), &ka)) {
-    throw ToolError{o.a, std::to_string(in.a.size()) + " bytes match no record (156, 488 or 66108)"};
+  const qh_catalogue::RecordLayout* a = qh_catalogue::RecordForSize(in.a.size());
+  const qh_catalogue::RecordLayout* b = qh_catalogue::RecordForSize(in.b.size());
+  const auto sizes = [] {
+    std::string known;
+    for (const qh_catalogue::RecordLayout* k : qh_catalogue::kRecords) {
+      known += (known.empty() ? "" : ", ") + std::string(k->name) + " " + std::to_string(k->size);
+    }
+    return known;
+  };
+  if (a == nullptr) throw ToolError{o.a, std::to_string(in.a.size()) + " bytes match no record (" + sizes() + ")"};
+  if (b == nullptr) throw ToolError{o.b, std::to_string(in.b.size()) + " bytes match no record (" + sizes() + ")"};
+  if (a != b) {
+    throw ToolError{o.b, std::string("a ") + b->name + " record, while " + o.a + " is a " + a->name + " record"};
   }
-  if (!RecordKindForSize(in.b.size(), &kb)) {
-    throw ToolError{o.b, std::to_string(in.b.size()) + " bytes match no record (156, 488 or 66108)"};
-  }
-  if (ka != kb) {
-    throw ToolError{o.b, std::string("a ") + RecordKindName(kb) + " record, while " + o.a + " is a " +
-                             RecordKindName(ka) + " record"};
-  }
-  return {RecordKindName(ka), DiffRecords(in.a, in.b)};
+  return {a->name, DiffRecords(in.a, in.b)};
 }
 
 Compared CompareSettings(const DiffOptions& o, const Inputs& in) {
@@ -58,8 +61,7 @@ Compared CompareSettings(const DiffOptions& o, const Inputs& in) {
 
 bool IsRecord(const DiffOptions& o, const Inputs& in) {
   if (!o.type.empty()) return o.type == "record";
-  RecordKind kind;
-  return RecordKindForSize(in.a.size(), &kind);
+  return qh_catalogue::RecordForSize(in.a.size()) != nullptr;
 }
 
 void PrintText(const Compared& c) {

@@ -1,7 +1,5 @@
 // heron dump: every named field of a native record with its offset and value.
-#include <cinttypes>
 #include <cstdio>
-#include <cstring>
 
 #include <CLI/CLI.hpp>
 
@@ -9,6 +7,7 @@
 #include "json_writer.h"
 #include "message_io.h"
 #include "record_layout.h"
+#include "record_values.h"
 
 namespace heron_tool {
 namespace {
@@ -24,82 +23,39 @@ struct DumpOptions {
   bool full = false;
 };
 
-// Little-endian reads: the records are little-endian whatever the host.
-uint32_t ReadLe32(const uint8_t* p) {
-  return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
-}
-uint16_t ReadLe16(const uint8_t* p) { return uint16_t(p[0] | p[1] << 8); }
+using Bytes = std::vector<uint8_t>;
 
-struct Value {
-  bool is_float = false;
-  int64_t i = 0;
-  float f = 0;
-};
-
-Value ElementAt(const std::vector<uint8_t>& bytes, const FieldLayout& field, uint32_t index) {
-  Value v;
-  const uint8_t* at = &bytes[field.offset + field.width * index];
-  switch (field.type) {
-    case ValueType::kInt32:
-      v.i = static_cast<int32_t>(ReadLe32(at));
-      break;
-    case ValueType::kUint32:
-      v.i = ReadLe32(at);
-      break;
-    case ValueType::kInt16:
-      v.i = static_cast<int16_t>(ReadLe16(at));
-      break;
-    case ValueType::kFloat32: {
-      const uint32_t bits = ReadLe32(at);
-      std::memcpy(&v.f, &bits, sizeof bits);
-      v.is_float = true;
-      break;
-    }
-    case ValueType::kUuid:
-      break;
-  }
-  return v;
+std::string ValueText(const Bytes& bytes, const FieldLayout& field, uint32_t index) {
+  return qh_catalogue::ElementText(bytes.data(), field, index);
 }
 
-std::string UuidHex(const std::vector<uint8_t>& bytes, size_t offset) {
-  std::string s;
-  char buf[4];
-  for (int i = 0; i < 16; ++i) {
-    std::snprintf(buf, sizeof buf, "%02x", bytes[offset + i]);
-    s += buf;
-    if (i == 3 || i == 5 || i == 7 || i == 9) s += '-';
+void WriteValue(JsonWriter& j, const Bytes& bytes, const FieldLayout& field, uint32_t index) {
+  if (field.type == ValueType::kUuid) {
+    j.String(ValueText(bytes, field, index));
+    return;
   }
-  return s;
-}
-
-std::string ValueText(const Value& v) {
-  char buf[32];
-  if (v.is_float) {
-    std::snprintf(buf, sizeof buf, "%.9g", static_cast<double>(v.f));
-  } else {
-    std::snprintf(buf, sizeof buf, "%" PRId64, v.i);
-  }
-  return buf;
+  const qh_catalogue::ElementValue v = qh_catalogue::ReadElement(bytes.data(), field, index);
+  v.is_float ? j.Float(v.f) : j.Int(v.i);
 }
 
 // Arrays print compactly: runs of one value as "v x n", and after 24 items
 // the rest is summarised; with `full`, every element. Slot-labelled arrays
 // print each slot as label=value.
-std::string ArrayText(const std::vector<uint8_t>& bytes, const FieldLayout& field, bool full) {
+std::string ArrayText(const Bytes& bytes, const FieldLayout& field, bool full) {
   std::string out = "[";
   if (field.slots != nullptr || full) {
     for (uint32_t i = 0; i < field.count; ++i) {
       if (i > 0) out += ", ";
       if (field.slots != nullptr) out += std::string(field.slots[i]) + "=";
-      out += ValueText(ElementAt(bytes, field, i));
+      out += ValueText(bytes, field, i);
     }
     return out + "]";
   }
   int items = 0;
   for (uint32_t i = 0; i < field.count;) {
-    const std::string text = ValueText(ElementAt(bytes, field, i));
+    const std::string text = ValueText(bytes, field, i);
     uint32_t run = 1;
-    while (i + run < field.count && ValueText(ElementAt(bytes, field, i + run)) == text) ++run;
+    while (i + run < field.count && ValueText(bytes, field, i + run) == text) ++run;
     if (items == 24) {
       out += ", ... " + std::to_string(field.count - i) + " more";
       break;
@@ -117,7 +73,7 @@ std::string ArrayText(const std::vector<uint8_t>& bytes, const FieldLayout& fiel
 const RecordLayout& ChooseRecord(const DumpOptions& o, size_t size) {
   if (!o.record.empty()) {
     const RecordLayout* r = qh_catalogue::FindRecord(o.record);
-    if (r == nullptr) throw ToolError{"", std::string("--record must be ") + qh_catalogue::kRecordNames};
+    if (r == nullptr) throw ToolError{"--record", std::string("must be ") + qh_catalogue::kRecordNames};
     if (size != r->size) {
       throw ToolError{o.file, std::string("a ") + r->name + " record is " + std::to_string(r->size) +
                                   " bytes, this file has " + std::to_string(size)};
@@ -147,17 +103,11 @@ int RunDump(const DumpOptions& o) {
     for (const FieldLayout& f : record) {
       j.BeginObject().Key("name").String(f.name).Key("offset").Int(f.offset);
       j.Key("value");
-      if (f.type == ValueType::kUuid) {
-        j.String(UuidHex(bytes, f.offset));
-      } else if (f.count == 1) {
-        const Value v = ElementAt(bytes, f, 0);
-        v.is_float ? j.Float(v.f) : j.Int(v.i);
+      if (f.count == 1) {
+        WriteValue(j, bytes, f, 0);
       } else {
         j.BeginArray();
-        for (uint32_t i = 0; i < f.count; ++i) {
-          const Value v = ElementAt(bytes, f, i);
-          v.is_float ? j.Float(v.f) : j.Int(v.i);
-        }
+        for (uint32_t i = 0; i < f.count; ++i) WriteValue(j, bytes, f, i);
         j.EndArray();
       }
       if (f.slots != nullptr) {
@@ -174,10 +124,8 @@ int RunDump(const DumpOptions& o) {
   std::printf("%s record, %zu bytes\n", record.name, bytes.size());
   for (const FieldLayout& f : record) {
     std::string value;
-    if (f.type == ValueType::kUuid) {
-      value = UuidHex(bytes, f.offset);
-    } else if (f.count == 1) {
-      value = ValueText(ElementAt(bytes, f, 0));
+    if (f.count == 1) {
+      value = ValueText(bytes, f, 0);
     } else {
       value = ArrayText(bytes, f, o.full);
     }

@@ -67,7 +67,7 @@ int RunPopulate(const PopulateOptions& o) {
     std::memcpy(&premix, bytes.data(), bytes.size());
   }
   if (!o.postmix_in.empty()) {
-    const auto bytes = ReadRecordFile(o.postmix_in, sizeof *postmix, "postmix coefficient");
+    const auto bytes = ReadRecordFile(o.postmix_in, sizeof *postmix, "postmix");
     std::memcpy(postmix.get(), bytes.data(), bytes.size());
   }
 
@@ -129,9 +129,9 @@ void RegisterPopulate(CLI::App& app, Action& run) {
   sub->add_option("--model", o->models, "quill.pb.model.listeningModel file (repeatable, searched in order)");
   sub->add_option("--room-mask", o->room_mask, "rooms to load: 2 wide, 4 front, 8 multichannel")->capture_default_str();
   sub->add_option("--premix-in", o->premix_in, "start the premix record (156 bytes) from this file");
-  sub->add_option("--postmix-in", o->postmix_in, "start the postmix coefficient record (66108 bytes) from this file");
+  sub->add_option("--postmix-in", o->postmix_in, "start the postmix record (66108 bytes) from this file");
   sub->add_option("--premix-out", o->premix_out, "write the premix record here");
-  sub->add_option("--postmix-out", o->postmix_out, "write the postmix coefficient record here");
+  sub->add_option("--postmix-out", o->postmix_out, "write the postmix record (66108 bytes) here");
   sub->add_option("--input-format", o->input_format, "binary, text or json (default: by extension)");
   sub->add_flag("--json", o->json, "print the summary as one JSON object");
   sub->callback([o, &run] { run = [o] { return RunPopulate(*o); }; });

@@ -7,6 +7,7 @@
 #include <complex>
 #include <cstdint>
 
+#include "fixed_point_reference.h"
 #include "iir_test_response.h"
 #include "quillheron_filterdesign.h"
 
@@ -54,12 +55,6 @@ TEST(McDynFloat, HalvesAreComplementaryButterworthSections) {
   }
 }
 
-int64_t RoundSat32(double x) {
-  const double r = std::round(x);  // halves away from zero
-  if (r > 2147483647.0) return 2147483647;
-  if (r < -2147483648.0) return -2147483648LL;
-  return static_cast<int64_t>(r);
-}
 
 // Expected iwl of each half per crossover: the smallest number of integer
 // bits (sign included) holding the half's largest coefficient, except that
@@ -90,8 +85,8 @@ TEST(McDynFixed, LayoutAndPerHalfIwl) {
     EXPECT_EQ(w[0], c.lp_iwl);
     EXPECT_EQ(w[6], c.hp_iwl);
     for (int i = 0; i < 5; ++i) {
-      EXPECT_EQ(w[1 + i], RoundSat32(std::ldexp(double{ref[i]}, 32 - c.lp_iwl))) << "lp " << i;
-      EXPECT_EQ(w[7 + i], RoundSat32(std::ldexp(double{ref[5 + i]}, 32 - c.hp_iwl))) << "hp " << i;
+      EXPECT_EQ(w[1 + i], qh_test::RoundSat(std::ldexp(double{ref[i]}, 32 - c.lp_iwl), 32)) << "lp " << i;
+      EXPECT_EQ(w[7 + i], qh_test::RoundSat(std::ldexp(double{ref[5 + i]}, 32 - c.hp_iwl), 32)) << "hp " << i;
     }
   }
 }

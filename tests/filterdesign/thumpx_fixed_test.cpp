@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "fixed_point_reference.h"
 #include "thumpx_test_util.h"
 
 namespace {
@@ -47,16 +48,7 @@ std::vector<int64_t> DesignFxp(int width, const Params& p, void* ws, int* rc) {
 
 const int kWidths[] = {32, 24, 16};
 
-int64_t Top(int width) { return (int64_t{1} << (width - 1)) - 1; }
-int64_t Bottom(int width) { return -(int64_t{1} << (width - 1)); }
 
-// Reference rounding: half away from zero, then saturation.
-int64_t RoundSat(double x, int width) {
-  const double r = std::round(x);  // std::round rounds halves away from zero
-  if (r > static_cast<double>(Top(width))) return Top(width);
-  if (r < static_cast<double>(Bottom(width))) return Bottom(width);
-  return static_cast<int64_t>(r);
-}
 
 // Low 16 bits of a 32-bit value read as a signed halfword.
 int64_t Low16(int64_t v) {
@@ -106,7 +98,7 @@ TEST(ThumpxFixed, GroupsQuantiseTheFloatDesign) {
             if (width == 16 && (word == 6 || word == 16)) continue;
             const double scaled = std::ldexp(static_cast<double>(ref[g.first + i]),
                                              width - static_cast<int>(iwl));
-            EXPECT_EQ(w[word], RoundSat(scaled, width)) << "word " << word;
+            EXPECT_EQ(w[word], qh_test::RoundSat(scaled, width)) << "word " << word;
           }
         }
       }

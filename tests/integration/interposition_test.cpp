@@ -78,10 +78,10 @@ Bytes ParametricFxp32() {
   const OVAParametriceqBandSpec bands[3] = {{PEQ_BAND_TYPE_LOWSHELF, 100.0f, 0.7f, 6.0f, 0},
                                             {PEQ_BAND_TYPE_PEAKING, 1000.0f, 2.0f, -4.0f, 0},
                                             {PEQ_BAND_TYPE_HIGHPASS, 40.0f, 0.7f, 0.0f, 0}};
-  const OVAParametriceqSpec spec = {3, bands, 48000};
+  const OVAParametriceqSpec request = {3, bands, 48000};
   std::vector<int32_t> out(QH_IirFixedLength(6));
   auto ws = Workspace();
-  OVA_ParametriceqDesignFxp32(&spec, out.data(), ws.data());
+  OVA_ParametriceqDesignFxp32(&request, out.data(), ws.data());
   return AsBytes(out);
 }
 

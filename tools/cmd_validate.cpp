@@ -1,446 +1,135 @@
-// heron validate: lint a route before it ships. Lists every place where a
-// message is outside what the engine accepts, or where populate would
-// silently do less than the author probably meant.
+// heron validate: lint a route before it ships. At every rate asked about, an
+// error is reported exactly when premix or postmix populate at that rate
+// returns a negative result (populate itself decides, on scratch records);
+// everything else the rules find is a warning.
 #include <algorithm>
-#include <cctype>
-#include <cstdint>
 #include <cstdio>
-#include <iterator>
 #include <memory>
-#include <string_view>
+#include <set>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
-#include "QuillPb.h"
-#include "QuillPb_identifiers.h"
-#include "QuillPb_models.h"
-#include "coefficient_io.h"
+#include "QuillPbConvert_Heron_v1_1.h"
 #include "commands.h"
+#include "json_writer.h"
 #include "model_inputs.h"
 #include "option_checks.h"
-#include "postmix_steps.h"
-#include "record_layout.h"
+#include "validate_findings.h"
 
 namespace heron_tool {
 namespace {
 
-using google::protobuf::Message;
-using google::protobuf::RepeatedPtrField;
-using quill::pb::coef::CoefTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
-
-using qh_catalogue::Capacity;
-using qh_catalogue::kPostmix;
-using qh_catalogue::kPostmixControl;
-using qh_catalogue::kPremix;
-using quillheron::CompareCI;
-using quillheron::findCoefficients;
-
-// Native capacities, from the record catalogue.
-constexpr int kModeSlots = Capacity(kPostmixControl, "lyra_input_gain");
-constexpr int kBypassModes = Capacity(kPostmixControl, "bypass_mode");
-constexpr int kPremixBypassModes = Capacity(kPremix, "bypass_mode");
-constexpr int kHtest = Capacity(kPostmixControl, "enhance2.htest");
-constexpr int kPremixHtest = Capacity(kPremix, "enhance2.htest");
-constexpr int kSuperStereoCoef = Capacity(kPostmixControl, "lyra.super_stereo_coef");
-constexpr int kHpfCoeffs = Capacity(kPostmix, "hpf.coeffs");
-constexpr int kBrioHpfCoeffs = Capacity(kPostmix, "brio_hpf.coeffs");
-constexpr int kXoverLpf = Capacity(kPostmix, "brio_xover.lpf_coeffs");
-constexpr int kXoverHpf = Capacity(kPostmix, "brio_xover.hpf_coeffs");
-constexpr int kThumpxCoeffs = Capacity(kPostmix, "thumpx.coeffs");
-constexpr int kMbhlLow = Capacity(kPostmix, "mbhl_coef.low_cross_coeffs");
-constexpr int kMbhlMid = Capacity(kPostmix, "mbhl_coef.mid_cross_coeffs");
-constexpr int kAeqIir = Capacity(kPostmix, "aeq.bank[0].iir_coeffs");
-// Two leading values, then the two channel responses.
-constexpr int kHpeqTapsPerChannel = (Capacity(kPostmix, "hpeq.coeffs") - 2) / 2;
-static_assert(kModeSlots > 0 && kBypassModes > 0 && kPremixBypassModes > 0 && kHtest > 0 && kPremixHtest > 0 &&
-                  kSuperStereoCoef > 0 && kHpfCoeffs > 0 && kBrioHpfCoeffs > 0 && kXoverLpf > 0 && kXoverHpf > 0 &&
-                  kThumpxCoeffs > 0 && kMbhlLow > 0 && kMbhlMid > 0 && kAeqIir > 0 && kHpeqTapsPerChannel > 0,
-              "every capacity names a catalogue field");
-
 struct ValidateOptions {
   std::string route;
-  int rate = 48000;
+  std::string rates;  // "44100,48000"; empty: every rate a table covers, and 48000
   std::vector<std::string> models;
+  int room_mask = 14;
   std::string input_format;
+  bool json = false;
+  bool strict = false;
 };
 
-class Findings {
- public:
-  void Add(const std::string& path, const std::string& what) { lines_.push_back(path + ": " + what); }
-  const std::vector<std::string>& lines() const { return lines_; }
+constexpr int kDefaultRate = 48000;
 
- private:
-  std::vector<std::string> lines_;
-};
-
-std::string StripBraces(const std::string& s) {
-  if (s.size() >= 2 && s.front() == '{' && s.back() == '}') return s.substr(1, s.size() - 2);
-  return s;
-}
-
-// 8-4-4-4-12 hexadecimal digits.
-bool WellFormedIdentifier(const std::string& s) {
-  if (s.size() != 36) return false;
-  for (size_t i = 0; i < s.size(); ++i) {
-    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
-    if (dash ? s[i] != '-' : !std::isxdigit(static_cast<unsigned char>(s[i]))) return false;
-  }
-  return true;
-}
-
-// Repeated fields the converter cuts at a native capacity; `consequence`
-// defaults to "cut at <capacity>".
-void CheckCount(Findings& f, const std::string& path, int count, int capacity, const char* consequence = nullptr) {
-  if (count > capacity) {
-    f.Add(path, std::to_string(count) + " values, the native array holds " + std::to_string(capacity) + "; " +
-                    (consequence ? consequence : "cut at " + std::to_string(capacity)));
-  }
-}
-
-// The arrays of a precomputed distortion-prevention entry and their native capacities.
-using quill::pb::coef::MbhlDistPrevCoeff;
-struct DistPrevArray {
-  const char* path;
-  int (*count)(const MbhlDistPrevCoeff&);
-  int capacity;
-};
-constexpr DistPrevArray kDistPrevArrays[] = {
-    {"sense_config.bandSosCount", [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandsoscount_size(); },
-     Capacity(kPostmix, "dist_prev[0].sense_band_sos_count")},
-    {"sense_config.bandCoeffs", [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandcoeffs_size(); },
-     Capacity(kPostmix, "dist_prev[0].sense_band_coeffs")},
-    {"sense_config.bandCoeffsFloat32",
-     [](const MbhlDistPrevCoeff& e) { return e.sense_config().bandcoeffsfloat32_size(); },
-     Capacity(kPostmix, "dist_prev[0].sense_band_coeffs_float32")},
-    {"notch_config.bandAttenuationMax",
-     [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandattenuationmax_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_band_attenuation_max")},
-    {"notch_config.bandGainScalars", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandgainscalars_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_band_gain_scalars")},
-    {"notch_config.bandSosCount", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandsoscount_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_band_sos_count")},
-    {"notch_config.smoothers", [](const MbhlDistPrevCoeff& e) { return e.notch_config().smoothers_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_smoothers")},
-    {"notch_config.bandCoeffs", [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandcoeffs_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_band_coeffs")},
-    {"notch_config.bandCoeffsFloat32",
-     [](const MbhlDistPrevCoeff& e) { return e.notch_config().bandcoeffsfloat32_size(); },
-     Capacity(kPostmix, "dist_prev[0].notch_band_coeffs_float32")},
-};
-constexpr bool AllNamed(const DistPrevArray (&rows)[std::size(kDistPrevArrays)]) {
-  for (const DistPrevArray& r : rows) {
-    if (r.capacity <= 0) return false;
-  }
-  return true;
-}
-static_assert(AllNamed(kDistPrevArrays), "every distortion-prevention capacity names a catalogue field");
-// Bands per design: the sense band arrays hold one entry per band.
-constexpr int kDistPrevBands = Capacity(kPostmix, "dist_prev[0].sense_band_sos_count");
-
-// Present message fields bound to the int16 fields of one block of `record`
-// (its catalogue name prefix, e.g. "brio.ova3d."), whose values do not fit 16
-// bits: populate keeps only the low 16 bits. Element k of an int16 array is
-// the message field with k before the first underscore (band_gain[3]:
-// band3_gain).
-void CheckInt16(Findings& f, const std::string& path, const Message& m, const qh_catalogue::RecordLayout& record,
-                std::string_view block) {
-  const auto* d = m.GetDescriptor();
-  const auto* r = m.GetReflection();
-  for (const qh_catalogue::FieldLayout& field : record) {
-    const std::string_view name = field.name;
-    if (field.type != qh_catalogue::ValueType::kInt16 || name.substr(0, block.size()) != block) continue;
-    const std::string leaf(name.substr(block.size()));
-    if (leaf.find('.') != std::string::npos) continue;  // a nested block
-    for (uint32_t k = 0; k < field.count; ++k) {
-      std::string message_name = leaf;
-      if (field.count > 1) message_name.insert(std::min(leaf.find('_'), leaf.size()), std::to_string(k));
-      const auto* fd = d->FindFieldByName(message_name);
-      if (!fd || !r->HasField(m, fd)) continue;
-      const int32_t v = r->GetInt32(m, fd);
-      if (v < INT16_MIN || v > INT16_MAX) {
-        f.Add(path + "." + message_name, std::to_string(v) + " does not fit the 16-bit native field (stored as " +
-                                             std::to_string(static_cast<int16_t>(static_cast<uint16_t>(v))) + ")");
-      }
-    }
-  }
-}
-
-void CheckTables(Findings& f, const std::string& path, const RepeatedPtrField<CoefTable>& tables, int rate,
-                 bool sixteen, int capacity) {
-  const CoefTable* t = findCoefficients(tables, rate);
-  if (!t) {
-    f.Add(path, tables.empty() ? "no coefficient tables" : "no table for " + std::to_string(rate) + " Hz");
+// The sample rates of every coefficient table in a message, walked by reflection.
+void TableRates(const google::protobuf::Message& m, std::set<int>* rates) {
+  if (m.GetDescriptor() == quill::pb::coef::CoefTable::descriptor()) {
+    const auto& t = static_cast<const quill::pb::coef::CoefTable&>(m);
+    if (t.has_samplerate() && t.samplerate() > 0) rates->insert(t.samplerate());
     return;
   }
-  const int n = sixteen ? t->coeff_16_size() : t->coeff_32_size();
-  if (n > capacity) {
-    f.Add(path, "the " + std::to_string(rate) + " Hz table has " + std::to_string(n) + " values, the native array holds " +
-                    std::to_string(capacity));
-  }
-  if (sixteen) {
-    for (int v : t->coeff_16()) {
-      if (v < -32768 || v > 32767) {
-        f.Add(path, "coeff_16 value " + std::to_string(v) + " does not fit 16 bits");
-        break;
-      }
-    }
-  }
-}
-
-struct Models {
-  std::vector<std::pair<const quill::pb::model::listeningModel*, std::string>> list;
-};
-
-// Finds an entry by identifier the way the converter compares (case-blind,
-// nothing stripped); reports near misses that differ only by braces.
-template <typename Entries, typename Check>
-void ResolveLocator(Findings& f, const std::string& path, const std::string& uuid, const Models& models,
-                    Entries entries_of, const char* kind, Check check) {
-  if (!uuid.empty() && !WellFormedIdentifier(uuid)) f.Add(path + ".uuid", "malformed identifier '" + uuid + "'");
-  bool found = false, braces_only = false;
-  for (const auto& [model, source] : models.list) {
-    for (const auto& entry : entries_of(*model)) {
-      if (CompareCI(entry.uuid(), uuid)) {
-        if (!found) check(entry, source);
-        found = true;
-      } else if (CompareCI(StripBraces(entry.uuid()), StripBraces(uuid))) {
-        braces_only = true;
-      }
-    }
-  }
-  if (!found) {
-    f.Add(path + ".uuid", braces_only ? std::string("'") + uuid + "' matches a " + kind +
-                                            " only when braces are ignored; the converter compares them as they stand"
-                                      : std::string("'") + uuid + "' matches no " + kind + " of the listening models");
-  }
-}
-
-void CheckModels(Findings& f, const Models& models) {
-  for (const auto& [model, source] : models.list) {
-    auto check_id = [&](const std::string& what, int i, const std::string& uuid) {
-      if (!WellFormedIdentifier(uuid)) {
-        f.Add(source + ": " + what + "[" + std::to_string(i) + "].uuid", "malformed identifier '" + uuid + "'");
-      }
-    };
-    for (int i = 0; i < model->rooms_size(); ++i) check_id("rooms", i, model->rooms(i).uuid());
-    for (int i = 0; i < model->headphones_size(); ++i) check_id("headphones", i, model->headphones(i).uuid());
-    for (int i = 0; i < model->aeqs_size(); ++i) check_id("aeqs", i, model->aeqs(i).uuid());
-  }
-}
-
-void CheckPostmix(Findings& f, const HeronSettings& s, quill::pb::hub::AudioRoute route, int rate,
-                  const Models& models) {
-  const Postmix& p = s.postmix();
-  const std::string pm = "postmix";
-  CheckCount(f, pm + ".lyra_input_gain", p.lyra_input_gain_size(), kModeSlots, "the rest is ignored");
-  CheckCount(f, pm + ".bypass_hpeq", p.bypass_hpeq_size(), kModeSlots, "the rest is ignored");
-  CheckCount(f, pm + ".aeq_enable", p.aeq_enable_size(), kModeSlots, "the rest is ignored");
-  CheckCount(f, pm + ".bypass_mode", p.bypass_mode_size(), kBypassModes, "the rest is ignored");
-  if (p.has_enhance2()) {
-    CheckCount(f, pm + ".enhance2.htest", p.enhance2().htest_size(), kHtest, "the rest is ignored");
-    CheckCount(f, pm + ".enhance2.ref_htest", p.enhance2().ref_htest_size(), kHtest, "the rest is ignored");
-    for (int v : p.enhance2().ref_htest()) {
-      if (v < 0) {
-        f.Add(pm + ".enhance2.ref_htest", "a negative value fails the postmix populate (-997)");
-        break;
-      }
-    }
-  }
-  if (p.has_brio()) {
-    const auto& b = p.brio();
-    CheckInt16(f, pm + ".brio", b, kPostmixControl, "brio.");
-    if (b.has_ova3d()) {
-      CheckInt16(f, pm + ".brio.ova3d", b.ova3d(), kPostmixControl, "brio.ova3d.");
-    }
-    if (b.has_vista()) {
-      CheckInt16(f, pm + ".brio.vista", b.vista(), kPostmixControl, "brio.vista.");
-    }
-    if (b.has_thumpx()) CheckInt16(f, pm + ".brio.thumpx", b.thumpx(), kPostmixControl, "brio.thumpx.");
-  }
-  if (p.has_geq10b()) {
-    CheckInt16(f, pm + ".geq10b", p.geq10b(), kPostmixControl, "geq10b.");
-  }
-  if (p.has_aeq()) CheckInt16(f, pm + ".aeq", p.aeq(), kPostmixControl, "aeq.");
-  if (p.has_mbhl()) CheckInt16(f, pm + ".mbhl", p.mbhl(), kPostmixControl, "mbhl.");
-  if (p.has_lyra() && p.lyra().super_stereo_coef_size() != 0 &&
-      p.lyra().super_stereo_coef_size() != kSuperStereoCoef) {
-    f.Add(pm + ".lyra.super_stereo_coef", std::to_string(p.lyra().super_stereo_coef_size()) +
-                                              " values; only exactly " + std::to_string(kSuperStereoCoef) +
-                                              " are copied, so none is");
-  }
-
-  // Coefficient tables.
-  if (p.has_hpf_coef()) {
-    const CoefTable* t = findCoefficients(p.hpf_coef().coeffs(), rate);
-    if (!t) {
-      f.Add(pm + ".hpf_coef.coeffs", "no table for " + std::to_string(rate) + " Hz");
-    } else if (t->coeff_32_size() > kHpfCoeffs) {
-      f.Add(pm + ".hpf_coef.coeffs", "the " + std::to_string(rate) + " Hz table has " +
-                                         std::to_string(t->coeff_32_size()) + " values (at most " +
-                                         std::to_string(kHpfCoeffs) + "): nothing is copied");
-    }
-  }
-  if (p.has_brio_hpf_coef() && p.brio_hpf_coef().order() != 0) {
-    const auto& tables = p.brio_hpf_coef().hpf_coeffs();
-    CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", tables, rate, true, kBrioHpfCoeffs);
-    const CoefTable* t = findCoefficients(tables, rate);
-    if (t && t->coeff_16_size() == 0 && t->coeff_32_size() > 0) {
-      f.Add(pm + ".brio_hpf_coef.hpf_coeffs", "the " + std::to_string(rate) +
-                                                  " Hz table holds only coeff_32; the Brio high-pass loads coeff_16, so "
-                                                  "nothing is copied");
-    }
-  }
-  if (p.has_brio_xover_coef()) {
-    CheckTables(f, pm + ".brio_xover_coef.lpf_coeffs", p.brio_xover_coef().lpf_coeffs(), rate, true, kXoverLpf);
-    CheckTables(f, pm + ".brio_xover_coef.hpf_coeffs", p.brio_xover_coef().hpf_coeffs(), rate, true, kXoverHpf);
-  }
-  // The driver's own gate decides whether the Thumpx coefficients are read.
-  const QuillTraceReason thumpx_gate = quillheron::thumpxGate(p);
-  if (thumpx_gate == QUILL_REASON_SPEAKER_SIZE) {
-    f.Add(pm + ".brio.thumpx.speaker_size",
-          std::to_string(p.brio().thumpx().speaker_size()) + " is not " +
-              std::to_string(QUILL_THUMPX_COEFF_SPEAKER_SIZE) +
-              " while Thumpx coefficients are present: the coefficients are never loaded");
-  } else if (thumpx_gate == QUILL_REASON_NONE) {
-    const auto& tc = p.thumpx_coef();
-    if (tc.coeffs_size() > 0) {
-      CheckTables(f, pm + ".thumpx_coef.coeffs", tc.coeffs(), rate, false, kThumpxCoeffs);
-      for (int i = 0; i < tc.coeffs_size(); ++i) {
-        if (tc.coeffs(i).samplerate() != rate) {
-          f.Add(pm + ".thumpx_coef.coeffs[" + std::to_string(i) + "]",
-                "a table for " + std::to_string(tc.coeffs(i).samplerate()) + " Hz makes the Thumpx load fail (-998) at " +
-                    std::to_string(rate) + " Hz even when a matching table is copied");
-        }
-      }
-    } else if (!tc.has_filterdesignparams()) {
-      f.Add(pm + ".thumpx_coef", "neither tables nor filterDesignParams: the Thumpx load fails (-998)");
-    } else if (tc.filterdesignparams().sampling_rate() != rate) {
-      f.Add(pm + ".thumpx_coef.filterDesignParams.sampling_rate",
-            std::to_string(tc.filterdesignparams().sampling_rate()) + " is not " + std::to_string(rate) +
-                ": the Thumpx design fails (-998)");
-    }
-  }
-  if (quillheron::mbhlGate(p) == QUILL_REASON_NONE) {
-    if (p.has_mbhl_coef()) {
-      const auto& mc = p.mbhl_coef();
-      for (const auto& [name, table, present, capacity] :
-           {std::make_tuple("low_cross_coeffs", &mc.low_cross_coeffs(), mc.has_low_cross_coeffs(), kMbhlLow),
-            std::make_tuple("mid_cross_coeffs", &mc.mid_cross_coeffs(), mc.has_mid_cross_coeffs(), kMbhlMid)}) {
-        const std::string path = pm + ".mbhl_coef." + name;
-        if (!present) {
-          f.Add(path, "missing: the MBHL load fails (-998)");
-        } else if (table->samplerate() != rate) {
-          f.Add(path, "a table for " + std::to_string(table->samplerate()) + " Hz, not " + std::to_string(rate) + " Hz");
-        } else {
-          CheckCount(f, path + ".coeff_32", table->coeff_32_size(), capacity);
-        }
-      }
+  const auto* r = m.GetReflection();
+  std::vector<const google::protobuf::FieldDescriptor*> fields;
+  r->ListFields(m, &fields);
+  for (const auto* f : fields) {
+    if (f->cpp_type() != google::protobuf::FieldDescriptor::CPPTYPE_MESSAGE) continue;
+    if (f->is_repeated()) {
+      for (int i = 0; i < r->FieldSize(m, f); ++i) TableRates(r->GetRepeatedMessage(m, f, i), rates);
     } else {
-      const auto& dp = s.designerparameters().mbhl_design_params();
-      if (!s.designerparameters().has_mbhl_design_params() || !dp.has_custom_low_cross() ||
-          !dp.has_custom_mid_cross()) {
-        f.Add("DesignerParameters.mbhl_design_params",
-              "no mbhl_coef and no complete crossover design parameters: the MBHL load fails (-998)");
-      } else if (dp.sampling_rate() != rate) {
-        f.Add("DesignerParameters.mbhl_design_params.sampling_rate",
-              std::to_string(dp.sampling_rate()) + " is not " + std::to_string(rate) + ": the MBHL design fails (-998)");
-      }
-    }
-    if (quillheron::distPrevGate(p) == QUILL_REASON_NONE) {
-      if (p.mbhl_dist_prev_size() == 2) {
-        for (int i = 0; i < 2; ++i) {
-          const std::string path = pm + ".mbhl_dist_prev[" + std::to_string(i) + "].";
-          for (const DistPrevArray& a : kDistPrevArrays) {
-            CheckCount(f, path + a.path, a.count(p.mbhl_dist_prev(i)), a.capacity);
-          }
-        }
-      } else if (s.designerparameters().mbhl_nf_design_params_size() != 2) {
-        f.Add("DesignerParameters.mbhl_nf_design_params",
-              std::to_string(s.designerparameters().mbhl_nf_design_params_size()) +
-                  " entries and no two precomputed designs: distortion prevention fails (-998)");
-      }
+      TableRates(r->GetMessage(m, f), rates);
     }
   }
-  for (int i = 0; i < s.designerparameters().mbhl_nf_design_params_size(); ++i) {
-    const int ct = s.designerparameters().mbhl_nf_design_params(i).nf_band_ct();
-    if (ct < 0 || ct > kDistPrevBands) {
-      f.Add("DesignerParameters.mbhl_nf_design_params[" + std::to_string(i) + "].nf_band_ct",
-            std::to_string(ct) + " is outside 0 to " + std::to_string(kDistPrevBands) + " (designs are cut at " +
-                std::to_string(kDistPrevBands) + " bands)");
-    }
-  }
+}
 
-  // Listening-model references.
-  struct RoomList {
-    const char* name;
-    const RepeatedPtrField<quill::pb::hub::ResourceLocator>* locators;
-    unsigned int capacity;
-  };
-  const RoomList rooms[] = {{"wideRoom", &p.wideroom(), qh_catalogue::RegionForStep(QUILL_STEP_WIDE_ROOM)->bytes},
-                            {"frontRoom", &p.frontroom(), qh_catalogue::RegionForStep(QUILL_STEP_FRONT_ROOM)->bytes},
-                            {"multichRoom", &p.multichroom(),
-                             qh_catalogue::RegionForStep(QUILL_STEP_MULTICHANNEL_ROOM)->bytes}};
-  for (const RoomList& list : rooms) {
-    for (int i = 0; i < list.locators->size(); ++i) {
-      const std::string path = pm + "." + list.name + "[" + std::to_string(i) + "]";
-      ResolveLocator(
-          f, path, list.locators->Get(i).uuid(), models, [](const auto& m) -> const auto& { return m.rooms(); }, "room",
-          [&](const quill::pb::model::roomModel& room, const std::string& source) {
-            const unsigned int bytes = QuillPb::sizeofRoom(&room, rate);
-            if (bytes == 0) {
-              f.Add(path, "room '" + room.uuid() + "' in " + source + " has no table for " + std::to_string(rate) + " Hz");
-            } else if (bytes > list.capacity) {
-              f.Add(path, "room '" + room.uuid() + "' needs " + std::to_string(bytes) + " bytes, its region holds " +
-                              std::to_string(list.capacity) + " (-997)");
-            }
-          });
+std::vector<int> Rates(const ValidateOptions& o, const quill::pb::hub::RouteConfiguration& route,
+                       const LoadedModels& models) {
+  std::set<int> rates;
+  if (o.rates.empty()) {
+    TableRates(route, &rates);
+    for (const auto& m : models.models) TableRates(*m, &rates);
+    rates.insert(kDefaultRate);
+    return {rates.begin(), rates.end()};
+  }
+  std::stringstream in(o.rates);
+  for (std::string item; std::getline(in, item, ',');) {
+    size_t used = 0;
+    int hz = 0;
+    try {
+      hz = std::stoi(item, &used);
+    } catch (const std::exception&) {
     }
+    if (used != item.size() || hz <= 0) {
+      throw ToolError{"--rate", "takes positive rates in Hz separated by commas, not '" + o.rates + "'"};
+    }
+    rates.insert(hz);
   }
-  for (int i = 0; i < p.hpeqcoef_size(); ++i) {
-    const std::string path = pm + ".hpeqCoef[" + std::to_string(i) + "]";
-    ResolveLocator(
-        f, path, p.hpeqcoef(i).uuid(), models, [](const auto& m) -> const auto& { return m.headphones(); },
-        "headphone EQ", [&](const quill::pb::model::headphoneEq& eq, const std::string& source) {
-          if (!quillheron::servesRoute(eq, route)) {
-            f.Add(path, "headphone EQ '" + eq.uuid() + "' in " + source + " is not listed for route " +
-                            quill::pb::hub::AudioRoute_Name(route));
-          } else if (QuillPb::sizeofHpeq(&eq, rate) == 0) {
-            f.Add(path, "headphone EQ '" + eq.uuid() + "' has no table for " + std::to_string(rate) + " Hz");
-          } else if (eq.ihpirlength() > static_cast<unsigned>(kHpeqTapsPerChannel)) {
-            f.Add(path, "headphone EQ '" + eq.uuid() + "' has ihpirLength " + std::to_string(eq.ihpirlength()) +
-                            ": each channel is cut to " + std::to_string(kHpeqTapsPerChannel) + " taps");
-          }
-        });
+  return {rates.begin(), rates.end()};
+}
+
+// Warnings that repeat the step an error at the same rate already names are
+// left out: the error says why.
+std::vector<Finding> WithoutRepeats(std::vector<Finding> findings) {
+  std::set<std::pair<int, std::string>> failed;
+  for (const Finding& f : findings) {
+    if (f.severity == Severity::kError) failed.insert({f.rate, f.step});
   }
-  for (int i = 0; i < p.aeqcoef_size(); ++i) {
-    const std::string path = pm + ".aeqCoef[" + std::to_string(i) + "]";
-    ResolveLocator(
-        f, path, p.aeqcoef(i).uuid(), models, [](const auto& m) -> const auto& { return m.aeqs(); }, "AEQ",
-        [&](const quill::pb::coef::Aeq& aeq, const std::string& source) {
-          if (!quillheron::servesRoute(aeq, route)) {
-            f.Add(path, "AEQ '" + aeq.uuid() + "' in " + source + " is not listed for route " +
-                            quill::pb::hub::AudioRoute_Name(route));
-            return;
-          }
-          int usable = 0;
-          for (int b = 0; b < aeq.coefficient_table_size(); ++b) {
-            const auto& bank = aeq.coefficient_table(b);
-            const CoefTable* t = findCoefficients(bank.iircoefs(), rate);
-            usable += t != nullptr;
-            if (t && t->coeff_32_size() > kAeqIir) {
-              f.Add(path, "AEQ '" + aeq.uuid() + "' bank " + std::to_string(b) + " has " +
-                              std::to_string(t->coeff_32_size()) + " IIR values, the native bank holds " +
-                              std::to_string(kAeqIir));
-            }
-          }
-          if (usable < 2) {
-            f.Add(path, "AEQ '" + aeq.uuid() + "' has " + std::to_string(usable) + " filter banks with a table for " +
-                            std::to_string(rate) + " Hz; two are needed (-998)");
-          }
-        });
+  std::vector<Finding> out;
+  for (const Finding& f : findings) {
+    if (f.severity == Severity::kWarning && f.rate != 0 && failed.count({f.rate, f.step})) continue;
+    out.push_back(f);
   }
+  // Errors first, then by rate; the rules' own order within.
+  std::stable_sort(out.begin(), out.end(), [](const Finding& a, const Finding& b) {
+    if (a.severity != b.severity) return a.severity == Severity::kError;
+    return a.rate < b.rate;
+  });
+  return out;
+}
+
+const char* SeverityName(Severity s) { return s == Severity::kError ? "error" : "warning"; }
+
+void PrintText(const std::vector<Finding>& findings, const std::vector<int>& rates, const std::string& route) {
+  std::string rate_list;
+  for (int r : rates) rate_list += (rate_list.empty() ? "" : ", ") + std::to_string(r);
+  int errors = 0;
+  for (const Finding& f : findings) {
+    errors += f.severity == Severity::kError;
+    std::string message = f.message;
+    if (f.severity == Severity::kWarning && f.rate != 0) message = "at " + std::to_string(f.rate) + " Hz, " + message;
+    std::printf("%s %s: %s\n", SeverityName(f.severity), f.path.c_str(), message.c_str());
+  }
+  if (findings.empty()) {
+    std::printf("%s: clean at %s Hz\n", route.c_str(), rate_list.c_str());
+    return;
+  }
+  const int warnings = static_cast<int>(findings.size()) - errors;
+  std::printf("%d error%s, %d warning%s at %s Hz\n", errors, errors == 1 ? "" : "s", warnings,
+              warnings == 1 ? "" : "s", rate_list.c_str());
+}
+
+void PrintJson(const std::vector<Finding>& findings, const std::vector<int>& rates) {
+  JsonWriter j;
+  j.BeginObject().Key("rates").BeginArray();
+  for (int r : rates) j.Int(r);
+  j.EndArray().Key("findings").BeginArray();
+  for (const Finding& f : findings) {
+    j.BeginObject().Key("severity").String(SeverityName(f.severity)).Key("rate");
+    f.rate != 0 ? j.Int(f.rate) : j.Null();
+    j.Key("path").String(f.path).Key("step").String(f.step).Key("message").String(f.message).EndObject();
+  }
+  j.EndArray().EndObject();
+  std::printf("%s\n", j.str().c_str());
 }
 
 int RunValidate(const ValidateOptions& o) {
@@ -448,53 +137,46 @@ int RunValidate(const ValidateOptions& o) {
   quill::pb::hub::RouteConfiguration route;
   ReadMessage(o.route, format, &route);
   const LoadedModels loaded = LoadModels(o.models, format);
+  const std::vector<int> rates = Rates(o, route, loaded);
+  NoteIgnoredRoomBits(o.room_mask);
 
-  Findings f;
-  int settings_index = -1;
-  for (int i = 0; i < route.tech_size(); ++i) {
-    if (route.tech(i).has_heron_v1_1()) {
-      settings_index = i;
-      break;
+  std::vector<Finding> findings;
+  for (int rate : rates) PopulateFindings(route, loaded, rate, o.room_mask, &findings);
+  const auto* settings = QuillHeron_v1_1_Pb(kDefaultRate).findHeronSettings(route);
+  if (settings != nullptr) {
+    ModelSources models;
+    for (size_t i = 0; i < loaded.models.size(); ++i) models.push_back({loaded.models[i].get(), loaded.paths[i]});
+    if (settings->postmix().has_model()) models.push_back({&settings->postmix().model(), "the embedded model"});
+    for (const Rule& rule : ValidateRules()) {
+      for (size_t i = 0; i < (rule.per_rate ? rates.size() : 1); ++i) {
+        rule.check(RuleContext{*settings, route.route(), models, rule.per_rate ? rates[i] : 0, &findings});
+      }
     }
   }
-  if (settings_index < 0) {
-    bool legacy = false;
-    for (const auto& t : route.tech()) legacy |= t.has_heron();
-    f.Add("tech", legacy ? "only legacy heron settings: the converter reads heron_v1_1 and finds none (-1000)"
-                         : "no heron_v1_1 settings (-1000)");
-  } else {
-    const HeronSettings& s = route.tech(settings_index).heron_v1_1();
-    Models models;
-    for (size_t i = 0; i < loaded.models.size(); ++i) models.list.push_back({loaded.models[i].get(), loaded.paths[i]});
-    if (s.postmix().has_model()) models.list.push_back({&s.postmix().model(), "the embedded model"});
-    const auto& pre = s.premix();
-    CheckCount(f, "premix.bypass_mode", pre.bypass_mode_size(), kPremixBypassModes, "the rest is ignored");
-    if (pre.has_enhance2()) {
-      CheckCount(f, "premix.enhance2.htest", pre.enhance2().htest_size(), kPremixHtest, "the rest is ignored");
-      CheckCount(f, "premix.enhance2.ref_htest", pre.enhance2().ref_htest_size(), kPremixHtest, "the rest is ignored");
-    }
-    if (pre.has_steady()) CheckInt16(f, "premix.steady", pre.steady(), kPremix, "steady.");
-    CheckPostmix(f, s, route.route(), o.rate, models);
-    CheckModels(f, models);
-  }
-  for (const std::string& line : f.lines()) std::printf("%s\n", line.c_str());
-  if (f.lines().empty()) {
-    std::printf("%s: clean at %d Hz\n", o.route.c_str(), o.rate);
-    return kExitOk;
-  }
-  std::printf("%zu finding%s at %d Hz\n", f.lines().size(), f.lines().size() == 1 ? "" : "s", o.rate);
-  return kExitFindings;
+  findings = WithoutRepeats(std::move(findings));
+  o.json ? PrintJson(findings, rates) : PrintText(findings, rates, o.route);
+  const bool failing = std::any_of(findings.begin(), findings.end(), [&](const Finding& f) {
+    return f.severity == Severity::kError || o.strict;
+  });
+  return failing ? kExitFindings : kExitOk;
 }
 
 }  // namespace
 
 void RegisterValidate(CLI::App& app, Action& run) {
   auto o = std::make_shared<ValidateOptions>();
-  CLI::App* sub = app.add_subcommand("validate", "Lint a route and its listening models before they ship");
+  CLI::App* sub = app.add_subcommand(
+      "validate", "Lint a route and its listening models: errors where populate fails, warnings for the rest");
   sub->add_option("ROUTE", o->route, "quill.pb.hub.RouteConfiguration file")->required();
-  sub->add_option("--rate", o->rate, "engine sample rate in Hz")->capture_default_str()->check(PositiveRate());
-  sub->add_option("--model", o->models, "quill.pb.model.listeningModel file (repeatable)");
+  sub->add_option("--rate", o->rates,
+                  "engine sample rates in Hz, comma-separated (default: every rate a coefficient table covers, "
+                  "and 48000)");
+  sub->add_option("--model", o->models, "quill.pb.model.listeningModel file (repeatable, searched in order)");
+  sub->add_option("--room-mask", o->room_mask, "rooms populate loads: 2 wide, 4 front, 8 multichannel")
+      ->capture_default_str();
   sub->add_option("--input-format", o->input_format, "binary, text or json (default: by extension)");
+  sub->add_flag("--json", o->json, "print {\"rates\": [...], \"findings\": [{severity, rate, path, step, message}]}");
+  sub->add_flag("--strict", o->strict, "exit 4 on warnings too");
   sub->callback([o, &run] { run = [o] { return RunValidate(*o); }; });
 }
 

@@ -6,6 +6,8 @@
 #include "record_layout.h"
 
 namespace heron_tool {
+std::string FailureText(const QuillTraceEntry& e, const LoadedModels& models, int rate);
+
 namespace {
 
 std::string ModelSource(int model, const LoadedModels& models) {
@@ -64,13 +66,6 @@ std::string SourceText(const QuillTraceEntry& e, const LoadedModels& models) {
   }
 }
 
-// Why a step failed, with what it tried to load.
-std::string FailureText(const QuillTraceEntry& e, const LoadedModels& models, int rate) {
-  const std::string source = SourceText(e, models);
-  const bool said = source.empty() || e.reason == QUILL_REASON_DESIGN_RATE;
-  return ReasonText(e, rate) + (said ? "" : " (" + source + ")");
-}
-
 std::string EntryText(const QuillTraceEntry& e, const LoadedModels& models, int rate) {
   const std::string source = SourceText(e, models);
   const std::string with = source.empty() ? "" : " (" + source + ")";
@@ -92,6 +87,13 @@ std::string StepLabel(const QuillTraceEntry& e) {
 }
 
 }  // namespace
+
+// Why a step failed, with what it tried to load.
+std::string FailureText(const QuillTraceEntry& e, const LoadedModels& models, int rate) {
+  const std::string source = SourceText(e, models);
+  const bool said = source.empty() || e.reason == QUILL_REASON_DESIGN_RATE;
+  return ReasonText(e, rate) + (said ? "" : " (" + source + ")");
+}
 
 std::string FailedStepText(const QuillPostmixTrace& trace, const LoadedModels& models, int rate) {
   for (int i = 0; i < trace.count; ++i) {

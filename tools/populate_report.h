@@ -17,6 +17,10 @@ namespace heron_tool {
 // not 44100 Hz"; empty when no step failed.
 std::string FailedStepText(const QuillPostmixTrace& trace, const LoadedModels& models, int rate);
 
+// Why the failing entry `e` failed, e.g. "design parameters are for 48000 Hz,
+// not 44100 Hz".
+std::string FailureText(const QuillTraceEntry& e, const LoadedModels& models, int rate);
+
 // "<step>[item]  @<region offset>  <what happened>" lines in driver order.
 std::vector<std::string> TraceLines(const QuillPostmixTrace& trace, const LoadedModels& models, int rate);
 

@@ -48,39 +48,6 @@ dump)
   expect 0 "$HERON" dump "$T/post.bin" --full
   [ "$(grep 'multich_room.coeffs' "$T/out" | tr ',' '\n' | wc -l)" -eq 16400 ] || fail "--full left elements out"
   ;;
-validate)
-  expect 0 "$HERON" validate "$ROUTE" --model "$MODEL"
-  cat >"$T/lint.txtpb" <<'TXT'
-route: AR_OUT_ATTACHED0
-tech { heron_v1_1 { postmix {
-  bypass_mode: [0, 0, 0, 0, 0, 0, 0]
-  geq10b { band3_gain: 40000 }
-  brio { enable: 1 thumpx { enable: 1 speaker_size: 11 } }
-  thumpx_coef { coeffs { sampleRate: 48000 coeff_32: [1, 2] } }
-  frontRoom { uuid: "{5F1C2A7E-3B9D-4C21-8E6F-0A1B2C3D4E01}" }
-  aeqCoef { uuid: "not-an-id" }
-} DesignerParameters { mbhl_nf_design_params { nf_band_ct: 9 } } } }
-TXT
-  expect 4 "$HERON" validate "$T/lint.txtpb" --model "$MODEL"
-  contains "$T/out" "postmix.bypass_mode: 7 values"
-  contains "$T/out" "postmix.geq10b.band3_gain: 40000 does not fit"
-  contains "$T/out" "speaker_size: 11 is not 12"
-  contains "$T/out" "frontRoom\[0\].uuid: .*only when braces are ignored"
-  contains "$T/out" "aeqCoef\[0\].uuid: malformed identifier"
-  contains "$T/out" "nf_band_ct: 9 is outside 0 to 6"
-  # Bass coefficients without Brio settings are never read: no finding, and
-  # populate agrees.
-  cat >"$T/nobrio.txtpb" <<'TXT'
-route: AR_OUT_ATTACHED0
-tech { heron_v1_1 { postmix { thumpx_coef { coeffs { sampleRate: 44100 coeff_32: [1, 2] } } } } }
-TXT
-  expect 0 "$HERON" validate "$T/nobrio.txtpb"
-  expect 0 "$HERON" populate "$T/nobrio.txtpb"
-  contains "$T/out" 'thumpx *@61424 *not loaded: Brio absent or disabled'
-  printf 'route: AR_OUT_USB\n' >"$T/legacy.txtpb"
-  expect 4 "$HERON" validate "$T/legacy.txtpb"
-  contains "$T/out" "no heron_v1_1 settings"
-  ;;
 *)
   fail "unknown case $CASE"
   ;;

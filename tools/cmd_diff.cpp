@@ -10,6 +10,7 @@
 #include "diff_records.h"
 #include "json_writer.h"
 #include "model_inputs.h"
+#include "option_checks.h"
 #include "record_layout.h"
 #include "settings_types.h"
 
@@ -21,11 +22,14 @@ struct DiffOptions {
   std::string type;  // "record", a settings type, or empty (by size, else by content)
   std::string input_format;
   bool json = false;
+  bool response = false;
+  int rate = 48000;
 };
 
 struct Compared {
   std::string kind;  // record kind or settings type
   std::vector<Difference> differences;
+  std::vector<std::string> responses;  // --response: one line a differing filter
 };
 
 // Both files read once; a record kind from the size unless --type says.
@@ -48,7 +52,9 @@ Compared CompareRecords(const DiffOptions& o, const Inputs& in) {
   if (a != b) {
     throw ToolError{o.b, std::string("a ") + b->name + " record, while " + o.a + " is a " + a->name + " record"};
   }
-  return {a->name, DiffRecords(in.a, in.b)};
+  Compared c{a->name, DiffRecords(in.a, in.b), {}};
+  if (o.response) c.responses = ResponseDifferences(in.a, in.b, o.rate);
+  return c;
 }
 
 Compared CompareSettings(const DiffOptions& o, const Inputs& in) {
@@ -56,7 +62,7 @@ Compared CompareSettings(const DiffOptions& o, const Inputs& in) {
   const SettingsFile a = ParseSettingsFile(o.a, in.a, FormatForInput(o.a, forced), o.type);
   const SettingsFile b = ParseSettingsFile(o.b, in.b, FormatForInput(o.b, forced), o.type);
   if (a.type != b.type) throw ToolError{o.b, "a " + b.type + ", while " + o.a + " is a " + a.type};
-  return {a.type, DiffMessages(*a.message, *b.message)};
+  return {a.type, DiffMessages(*a.message, *b.message), {}};
 }
 
 bool IsRecord(const DiffOptions& o, const Inputs& in) {
@@ -73,6 +79,7 @@ void PrintText(const Compared& c) {
     if (d.kind == "deleted") line += ": deleted " + d.old_value;
     std::printf("%s\n", line.c_str());
   }
+  for (const std::string& r : c.responses) std::printf("response %s\n", r.c_str());
   std::printf("%zu difference%s (%s)\n", c.differences.size(), c.differences.size() == 1 ? "" : "s", c.kind.c_str());
 }
 
@@ -87,7 +94,13 @@ void PrintJson(const Compared& c) {
     if (d.kind != "deleted") j.Key("new").String(d.new_value);
     j.EndObject();
   }
-  j.EndArray().EndObject();
+  j.EndArray();
+  if (!c.responses.empty()) {
+    j.Key("responses").BeginArray();
+    for (const std::string& r : c.responses) j.String(r);
+    j.EndArray();
+  }
+  j.EndObject();
   std::printf("%s\n", j.str().c_str());
 }
 
@@ -115,6 +128,11 @@ void RegisterDiff(CLI::App& app, Action& run) {
                   "anything else settings of the type its content parses as)");
   sub->add_option("--input-format", o->input_format, "settings: binary, text or json (default: by extension)");
   sub->add_flag("--json", o->json, "print one JSON object");
+  sub->add_flag("--response", o->response,
+                "postmix records: the largest response difference (dB) of each differing filter region");
+  sub->add_option("--rate", o->rate, "with --response: the rate the records were populated at (Hz)")
+      ->capture_default_str()
+      ->check(PositiveRate());
   sub->callback([o, &run] { run = [o] { return RunDiff(*o); }; });
 }
 

@@ -3,6 +3,10 @@
 #include "record_layout.h"
 #include "record_values.h"
 
+#include <cstdio>
+
+#include "filter_layouts.h"
+
 namespace heron_tool {
 namespace {
 
@@ -16,7 +20,68 @@ std::string Values(const std::string& bytes, const FieldLayout& f, uint32_t firs
   return s + "]";
 }
 
+// The coefficient regions that hold filters: their words, the width they are
+// read at, how they are laid out and which field gives a cascade's order.
+struct FilterRegion {
+  const char* field;
+  const char* order_field;  // null: a fixed layout
+  int width;
+  FilterLayout layout;
+};
+constexpr FilterRegion kFilterRegions[] = {
+    {"hpf.coeffs", "hpf.order", 32, FilterLayout::kCascade},
+    {"aeq.bank[0].iir_coeffs", "aeq.bank[0].iir_order", 32, FilterLayout::kCascade},
+    {"aeq.bank[1].iir_coeffs", "aeq.bank[1].iir_order", 32, FilterLayout::kCascade},
+    {"brio_hpf.coeffs", "brio_hpf.order", 16, FilterLayout::kCascade},
+    {"brio_xover.lpf_coeffs", "brio_xover.order", 16, FilterLayout::kCascade},
+    {"brio_xover.hpf_coeffs", "brio_xover.order", 16, FilterLayout::kCascade},
+    {"thumpx.coeffs", nullptr, 32, FilterLayout::kThumpx},
+    {"mbhl_coef.low_cross_coeffs", nullptr, 32, FilterLayout::kCrossover},
+    {"mbhl_coef.mid_cross_coeffs", nullptr, 32, FilterLayout::kCrossover},
+};
+
+std::vector<int64_t> FieldWords(const uint8_t* record, const FieldLayout& f) {
+  std::vector<int64_t> w;
+  for (uint32_t i = 0; i < f.count; ++i) w.push_back(qh_catalogue::ReadElement(record, f, i).i);
+  return w;
+}
+
+// Sections of a cascade from its order field; at most what the words hold.
+int Sections(const uint8_t* record, const FilterRegion& r, const FieldLayout& words) {
+  if (r.order_field == nullptr) return 0;
+  const FieldLayout* order = qh_catalogue::FindField(qh_catalogue::kPostmix, r.order_field);
+  const int64_t n = (qh_catalogue::ReadElement(record, *order, 0).i + 1) / 2;
+  const int64_t most = (static_cast<int64_t>(words.count) - 2) / 6;
+  return static_cast<int>(n < 0 ? 0 : n > most ? most : n);
+}
+
 }  // namespace
+
+std::vector<std::string> ResponseDifferences(const std::string& a, const std::string& b, int rate) {
+  std::vector<std::string> out;
+  if (a.size() != qh_catalogue::kPostmix.size) return out;
+  const auto* pa = reinterpret_cast<const uint8_t*>(a.data());
+  const auto* pb = reinterpret_cast<const uint8_t*>(b.data());
+  for (const FilterRegion& r : kFilterRegions) {
+    const FieldLayout& f = *qh_catalogue::FindField(qh_catalogue::kPostmix, r.field);
+    const FieldLayout* order = r.order_field ? qh_catalogue::FindField(qh_catalogue::kPostmix, r.order_field) : nullptr;
+    bool same = true;
+    for (uint32_t i = 0; i < f.count && same; ++i) same = qh_catalogue::SameElement(pa, pb, f, i);
+    if (order) same = same && qh_catalogue::SameElement(pa, pb, *order, 0);
+    if (same) continue;
+    const auto fa = LayoutFilters(r.layout, Sections(pa, r, f), FieldWords(pa, f), r.width);
+    const auto fb = LayoutFilters(r.layout, Sections(pb, r, f), FieldWords(pb, f), r.width);
+    const auto d = LargestDifference(fa, fb, rate);
+    char line[160];
+    if (d) {
+      std::snprintf(line, sizeof line, "%s: up to %.3g dB at %.0f Hz", r.field, d->first, d->second);
+    } else {
+      std::snprintf(line, sizeof line, "%s: the two filters do not compare (different orders)", r.field);
+    }
+    out.push_back(line);
+  }
+  return out;
+}
 
 std::vector<Difference> DiffRecords(const std::string& a, const std::string& b) {
   const auto* pa = reinterpret_cast<const uint8_t*>(a.data());

@@ -14,6 +14,11 @@ namespace heron_tool {
 // REQUIRES: a and b of the same size, the size of a record.
 std::vector<Difference> DiffRecords(const std::string& a, const std::string& b);
 
+// For the coefficient regions of two postmix records that differ, the largest
+// response difference of each differing filter at `rate`: one line a filter,
+// "hpf.coeffs: up to 3.2 dB at 120 Hz". Empty for other records.
+std::vector<std::string> ResponseDifferences(const std::string& a, const std::string& b, int rate);
+
 }  // namespace heron_tool
 
 #endif  // QUILLHERON_TOOLS_DIFF_RECORDS_H_

@@ -19,6 +19,7 @@
 #include "coefficient_io.h"
 #include "design_requests.h"
 #include "designer_catalogue.h"
+#include "filter_layouts.h"
 #include "poles.h"
 #include "quantisation.h"
 
@@ -32,7 +33,7 @@ using quillheron::findCoefficients;
 // Beyond this difference between two forms of one filter, a table is reported.
 constexpr double kAgreementDb = 0.5;
 
-enum class Layout { kCascade, kCrossover, kThumpx };
+using Layout = FilterLayout;
 
 // One table as the filter it holds.
 struct TableFilter {
@@ -60,42 +61,10 @@ std::vector<int64_t> Words(const CoefTable& t, int width) {
   return w;
 }
 
-int ExpectedLength(const TableFilter& f) {
-  switch (f.layout) {
-    case Layout::kCascade: return 6 * f.sections + 2;
-    case Layout::kCrossover: return qh_design::OutputLength(qh_design::CrossoverRequest{}, qh_design::Format::kFxp32);
-    case Layout::kThumpx: return qh_design::OutputLength(qh_design::ThumpxRequest{}, qh_design::Format::kFxp32);
-  }
-  return 0;
-}
+int ExpectedLength(const TableFilter& f) { return LayoutLength(f.layout, f.sections); }
 
-// The filters a table's words hold: one cascade, or one per group.
 std::vector<an::Cascade> Filters(const TableFilter& f, const std::vector<int64_t>& w, int width) {
-  std::vector<an::Cascade> out;
-  if (static_cast<int>(w.size()) < ExpectedLength(f)) return out;
-  if (f.layout == Layout::kCascade) {
-    an::Cascade c;
-    for (int s = 0; s < f.sections; ++s) c.sections.push_back(an::FixedSection(&w[6 * s], 5, width));
-    c.gain = an::WordValue(w[6 * f.sections + 1], width, static_cast<int>(w[6 * f.sections]));
-    out.push_back(c);
-    return out;
-  }
-  const auto family = f.layout == Layout::kCrossover ? qh_design::Family::kCrossover : qh_design::Family::kThumpx;
-  for (const qh_design::OutputGroup& g : qh_design::FindDesigner(family)->groups) {
-    out.push_back({{an::FixedSection(&w[g.word_first], g.values, width)}, 1.0});
-  }
-  return out;
-}
-
-// The largest magnitude difference between two forms of one filter, and where.
-std::optional<std::pair<double, double>> LargestDifference(const std::vector<an::Cascade>& a,
-                                                           const std::vector<an::Cascade>& b, int rate) {
-  std::optional<std::pair<double, double>> worst;
-  for (size_t i = 0; i < a.size() && i < b.size(); ++i) {
-    const an::QuantisationReport r = an::Quantisation(a[i], b[i], rate, {}, {1}, 32);
-    if (r.max_error_db && (!worst || *r.max_error_db > worst->first)) worst = std::make_pair(*r.max_error_db, r.at_hz);
-  }
-  return worst;
+  return LayoutFilters(f.layout, f.sections, w, width);
 }
 
 template <typename Request>

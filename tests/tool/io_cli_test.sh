@@ -132,6 +132,12 @@ diff_records_and_settings)
   contains "$T/out" '^ *34392  front_room.coeffs\[512\]: [-0-9]* -> 1$'
   contains "$T/out" '^1 difference'
   one_line_error 2 "$T/a.bin" "$HERON" diff "$T/pa.bin" "$T/a.bin"
+  # --response: the limiter's low crossover designed at 400 instead of 300 Hz.
+  sed 's/custom_low_cross: 300/custom_low_cross: 400/' "$ROUTE" >"$T/x.txtpb"
+  expect 0 "$HERON" populate "$T/x.txtpb" --model "$MODEL" --postmix-out "$T/px.bin"
+  expect 1 "$HERON" diff "$T/pa.bin" "$T/px.bin" --response
+  contains "$T/out" '^response mbhl_coef.low_cross_coeffs: up to [0-9.]* dB at [0-9]* Hz$'
+  grep -q '^response mbhl_coef.mid' "$T/out" && fail "an unchanged filter has a response line"
   # Settings: one nested field, across encodings.
   sed 's/intensity_level: 10/intensity_level: 11/' "$ROUTE" >"$T/b.txtpb"
   expect 0 "$HERON" fmt "$ROUTE" --output-format json -o "$T/a.json"

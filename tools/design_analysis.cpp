@@ -61,7 +61,7 @@ DesignAnalysis AnalyseDesign(const DesignOutput& d, double tolerance_db) {
     }
     if (!(*r.max_error_db <= tolerance_db)) {
       out.problems.push_back(Prefix(a) + "magnitude error " + Fixed("%.3g", *r.max_error_db) + " dB at " +
-                             Fixed("%.1f", r.at_hz) + " Hz, above the tolerance of " + Fixed("%g", tolerance_db) +
+                             Fixed("%.0f", r.at_hz) + " Hz, above the tolerance of " + Fixed("%g", tolerance_db) +
                              " dB");
     }
   }

@@ -217,11 +217,7 @@ void CheckModels(const Warner& f, const ModelSources& models) {
 // Premix lists longer than their native arrays, int16 fields that do not fit.
 void PremixFields(const RuleContext& c) {
   const Warner f{c, "premix"};
-  const Postmix& p = c.settings.postmix();
   const HeronSettings& s = c.settings;
-  const int rate = c.rate;
-  const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   const auto& pre = s.premix();
   CheckCount(f, "premix.bypass_mode", pre.bypass_mode_size(), kPremixBypassModes, "the rest is ignored");
   if (pre.has_enhance2()) {
@@ -235,10 +231,7 @@ void PremixFields(const RuleContext& c) {
 void ControlArrayLengths(const RuleContext& c) {
   const Warner f{c, "control"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
-  const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   CheckCount(f, pm + ".lyra_input_gain", p.lyra_input_gain_size(), kModeSlots, "the rest is ignored");
   CheckCount(f, pm + ".bypass_hpeq", p.bypass_hpeq_size(), kModeSlots, "the rest is ignored");
   CheckCount(f, pm + ".aeq_enable", p.aeq_enable_size(), kModeSlots, "the rest is ignored");
@@ -259,10 +252,7 @@ void ControlArrayLengths(const RuleContext& c) {
 void ControlInt16Fields(const RuleContext& c) {
   const Warner f{c, "control"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
-  const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (p.has_brio()) {
     const auto& b = p.brio();
     CheckInt16(f, pm + ".brio", b, kPostmixControl, "brio.");
@@ -285,10 +275,7 @@ void ControlInt16Fields(const RuleContext& c) {
 void SuperStereoCoefficients(const RuleContext& c) {
   const Warner f{c, "control"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
-  const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (p.has_lyra() && p.lyra().super_stereo_coef_size() != 0 &&
       p.lyra().super_stereo_coef_size() != kSuperStereoCoef) {
     f.Add(pm + ".lyra.super_stereo_coef", std::to_string(p.lyra().super_stereo_coef_size()) +
@@ -301,10 +288,8 @@ void SuperStereoCoefficients(const RuleContext& c) {
 void OutputHighPassTable(const RuleContext& c) {
   const Warner f{c, "output_hpf"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (p.has_hpf_coef()) {
     const CoefTable* t = findCoefficients(p.hpf_coef().coeffs(), rate);
     if (!t) {
@@ -321,10 +306,8 @@ void OutputHighPassTable(const RuleContext& c) {
 void BrioHighPassTable(const RuleContext& c) {
   const Warner f{c, "brio_hpf"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (p.has_brio_hpf_coef() && p.brio_hpf_coef().order() != 0) {
     const auto& tables = p.brio_hpf_coef().hpf_coeffs();
     CheckTables(f, pm + ".brio_hpf_coef.hpf_coeffs", tables, rate, true, kBrioHpfCoeffs);
@@ -341,10 +324,8 @@ void BrioHighPassTable(const RuleContext& c) {
 void BrioCrossoverTables(const RuleContext& c) {
   const Warner f{c, "brio_crossover"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (p.has_brio_xover_coef()) {
     CheckTables(f, pm + ".brio_xover_coef.lpf_coeffs", p.brio_xover_coef().lpf_coeffs(), rate, true, kXoverLpf);
     CheckTables(f, pm + ".brio_xover_coef.hpf_coeffs", p.brio_xover_coef().hpf_coeffs(), rate, true, kXoverHpf);
@@ -355,10 +336,8 @@ void BrioCrossoverTables(const RuleContext& c) {
 void ThumpxCoefficients(const RuleContext& c) {
   const Warner f{c, "thumpx"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   // The driver's own gate decides whether the Thumpx coefficients are read.
   const QuillTraceReason thumpx_gate = quillheron::thumpxGate(p);
   if (thumpx_gate == QUILL_REASON_SPEAKER_SIZE) {
@@ -394,7 +373,6 @@ void MbhlCrossovers(const RuleContext& c) {
   const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (quillheron::mbhlGate(p) == QUILL_REASON_NONE) {
     if (p.has_mbhl_coef()) {
       const auto& mc = p.mbhl_coef();
@@ -429,9 +407,7 @@ void DistortionPrevention(const RuleContext& c) {
   const Warner f{c, "distortion_prevention"};
   const Postmix& p = c.settings.postmix();
   const HeronSettings& s = c.settings;
-  const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   if (quillheron::mbhlGate(p) == QUILL_REASON_NONE) {
     if (quillheron::distPrevGate(p) == QUILL_REASON_NONE) {
       if (p.mbhl_dist_prev_size() == 2) {
@@ -453,11 +429,7 @@ void DistortionPrevention(const RuleContext& c) {
 // Notch band counts the designer cuts.
 void NotchBandCounts(const RuleContext& c) {
   const Warner f{c, "distortion_prevention"};
-  const Postmix& p = c.settings.postmix();
   const HeronSettings& s = c.settings;
-  const int rate = c.rate;
-  const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   for (int i = 0; i < s.designerparameters().mbhl_nf_design_params_size(); ++i) {
     const int ct = s.designerparameters().mbhl_nf_design_params(i).nf_band_ct();
     if (ct < 0 || ct > kDistPrevBands) {
@@ -471,10 +443,8 @@ void NotchBandCounts(const RuleContext& c) {
 // Room locators: resolved, with a table for the rate, fitting their region.
 void RoomLocators(const RuleContext& c) {
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   // Listening-model references.
   struct RoomList {
     const char* step;
@@ -510,10 +480,8 @@ void RoomLocators(const RuleContext& c) {
 void HeadphoneEqLocators(const RuleContext& c) {
   const Warner f{c, "headphone_eq"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   for (int i = 0; i < p.hpeqcoef_size(); ++i) {
     const std::string path = pm + ".hpeqCoef[" + std::to_string(i) + "]";
     ResolveLocator(
@@ -536,10 +504,8 @@ void HeadphoneEqLocators(const RuleContext& c) {
 void AeqLocators(const RuleContext& c) {
   const Warner f{c, "aeq"};
   const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
   const int rate = c.rate;
   const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   for (int i = 0; i < p.aeqcoef_size(); ++i) {
     const std::string path = pm + ".aeqCoef[" + std::to_string(i) + "]";
     ResolveLocator(
@@ -572,11 +538,6 @@ void AeqLocators(const RuleContext& c) {
 // Identifiers of the listening models.
 void ModelIdentifiers(const RuleContext& c) {
   const Warner f{c, "models"};
-  const Postmix& p = c.settings.postmix();
-  const HeronSettings& s = c.settings;
-  const int rate = c.rate;
-  const std::string pm = "postmix";
-  (void)p; (void)s; (void)rate;
   CheckModels(f, c.models);
 }
 

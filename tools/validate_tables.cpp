@@ -87,6 +87,23 @@ bool RunFixed(const Request& request, int width, std::vector<int64_t>* words) {
   return true;
 }
 
+// The bass designer's request as the converter builds it from the settings'
+// design parameters (the rate given, not the parameters' own).
+qh_design::ThumpxRequest ThumpxRequestFrom(const quill::pb::tech::ThumpxFilterDesignParameters& d, int rate) {
+  qh_design::ThumpxRequest r;
+  r.custom_speaker_size = d.custom_speaker_size();
+  r.bass_ctrl = static_cast<float>(d.bass_ctrl());
+  r.hp_ratio = static_cast<float>(d.hp_ratio());
+  r.ext_bass = static_cast<float>(d.ext_bass());
+  r.sampling_rate = rate;
+  r.lp_ratio = static_cast<float>(d.lp_ratio());
+  r.pre_lp_freq = static_cast<float>(d.pre_lp_freq());
+  r.harm_hp_freq = static_cast<float>(d.harm_hp_freq());
+  r.clip_level = static_cast<float>(d.clip_level());
+  r.reserved = 0x3F800000;  // as the converter passes it; no designer reads it
+  return r;
+}
+
 TableFilter Butterworth(const std::string& path, const char* step, const CoefTable* t, int width, int cutoff,
                         bool has_cutoff, int order, int type, int rate) {
   TableFilter f{path, step, t, width, Layout::kCascade, (order + 1) / 2, "", nullptr};
@@ -134,18 +151,8 @@ std::vector<TableFilter> TablesAt(const RuleContext& c) {
   if (const CoefTable* t = p.has_thumpx_coef() ? findCoefficients(p.thumpx_coef().coeffs(), rate) : nullptr) {
     TableFilter f{At("postmix.thumpx_coef.coeffs", rate), "thumpx", t, 32, Layout::kThumpx, 0, "", nullptr};
     if (p.thumpx_coef().has_filterdesignparams()) {
-      const auto& d = p.thumpx_coef().filterdesignparams();
       f.designed_from = "its filterDesignParams";
-      qh_design::ThumpxRequest r;
-      r.custom_speaker_size = d.custom_speaker_size();
-      r.bass_ctrl = static_cast<float>(d.bass_ctrl());
-      r.hp_ratio = static_cast<float>(d.hp_ratio());
-      r.ext_bass = static_cast<float>(d.ext_bass());
-      r.sampling_rate = rate;
-      r.lp_ratio = static_cast<float>(d.lp_ratio());
-      r.pre_lp_freq = static_cast<float>(d.pre_lp_freq());
-      r.harm_hp_freq = static_cast<float>(d.harm_hp_freq());
-      r.clip_level = static_cast<float>(d.clip_level());
+      const qh_design::ThumpxRequest r = ThumpxRequestFrom(p.thumpx_coef().filterdesignparams(), rate);
       f.redesign = [r](int w, std::vector<int64_t>* words) { return RunFixed(r, w, words); };
     }
     out.push_back(f);
@@ -208,13 +215,7 @@ std::string DifferenceText(const std::pair<double, double>& d) {
 std::string DesignerObjection(const quill::pb::heron_v1_1::HeronSettings& settings, int step, int rate) {
   qh_design::Objection o;
   if (step == QUILL_STEP_THUMPX) {
-    const auto& d = settings.postmix().thumpx_coef().filterdesignparams();
-    qh_design::ThumpxRequest r;
-    r.custom_speaker_size = d.custom_speaker_size();
-    r.bass_ctrl = static_cast<float>(d.bass_ctrl());
-    r.hp_ratio = static_cast<float>(d.hp_ratio());
-    r.ext_bass = static_cast<float>(d.ext_bass());
-    r.sampling_rate = rate;
+    const auto r = ThumpxRequestFrom(settings.postmix().thumpx_coef().filterdesignparams(), rate);
     o = qh_design::CheckContract(r, qh_design::Format::kFxp32);
   } else if (step == QUILL_STEP_MBHL_CROSSOVER) {
     const auto& dp = settings.designerparameters().mbhl_design_params();

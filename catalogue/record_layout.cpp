@@ -11,7 +11,6 @@ constexpr bool Tiles(const RecordLayout& record) {
   std::uint32_t end = 0;
   for (const FieldLayout& f : record) {
     if (f.offset < end || f.offset - end >= 4 || f.width * f.count == 0) return false;
-    if (f.slots != nullptr && (f.count != QUILL_HERON_MODE_COUNT || f.type != ValueType::kInt32)) return false;
     end = f.offset + f.width * f.count;
   }
   return end <= record.size && record.size - end < 4;

@@ -116,6 +116,8 @@ TEST(RecordLayout, SlotLabelsNameTheModePopulatePutsThere) {
   for (const FieldLayout& f : kPostmixControl) {
     if (f.slots == nullptr) continue;
     ++labelled;
+    ASSERT_EQ(f.count, QUILL_HERON_MODE_COUNT) << f.name;
+    ASSERT_EQ(f.type, qh_catalogue::ValueType::kInt32) << f.name;
     for (std::uint32_t slot = 0; slot < f.count; ++slot) {
       std::int32_t mode;
       std::memcpy(&mode, bytes + f.offset + 4 * slot, 4);

@@ -50,7 +50,7 @@ setup(
     version=project_version(),
     description="The quillheron filter designers, populate/convert and cascade analysis for numpy",
     packages=["quillheron", "quillheron.pb"],
-    package_data={"quillheron": ["*.pyi", "py.typed"]},
+    package_data={"quillheron": ["*.pyi", "py.typed"], "quillheron.pb": ["*.pyi"]},
     ext_modules=[Extension("quillheron._core", sources=[])],
     cmdclass={"build_ext": CMakeBuild},
     python_requires=">=3.9",

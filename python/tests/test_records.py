@@ -106,3 +106,16 @@ def test_bad_sources_raise(call, error, text):
 def test_unparsable_route_comes_back_as_the_parse_failure_code():
     r = qh.populate(b"\xff\xff\xff", 48000)
     assert (r.premix_result, r.result) == (-1001, -1001) and r.premix == bytes(156)
+
+
+def test_every_schema_module_imports_inside_the_package():
+    import glob
+    import importlib
+    import os
+    import sys
+    from conftest import SOURCE_DIR
+    for proto in glob.glob(os.path.join(SOURCE_DIR, "proto", "*.proto")):
+        stem = os.path.splitext(os.path.basename(proto))[0]
+        module = importlib.import_module(f"quillheron.pb.{stem}_pb2")
+        assert os.path.exists(module.__file__ + "i")  # the stub beside it
+    assert not [m for m in sys.modules if m.endswith("_pb2") and "." not in m]

@@ -6,13 +6,14 @@ import re
 import sys
 
 BARE = re.compile(r"^import (\w+_pb2) as (\w+)$", re.M)
+FROM = re.compile(r"^from (\w+_pb2) import ", re.M)  # public imports, in the stubs
 # The module name the message classes are registered under: the real one.
 BUILD = re.compile(r"(BuildTopDescriptorsAndMessages\(DESCRIPTOR, )'\w+'")
 
 for path in sys.argv[1:]:
     with open(path, encoding="utf-8") as f:
         text = f.read()
-    fixed = BUILD.sub(r"\1__name__", BARE.sub(r"from . import \1 as \2", text))
+    fixed = BUILD.sub(r"\1__name__", FROM.sub(r"from .\1 import ", BARE.sub(r"from . import \1 as \2", text)))
     if fixed != text:
         with open(path, "w", encoding="utf-8") as f:
             f.write(fixed)

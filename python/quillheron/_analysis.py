@@ -87,3 +87,38 @@ def quantisation_report(design: Design) -> Dict[str, Any]:
     numerator_words = groups[:, 1:4].ravel().tolist()
     return _core.quantisation(ref.sections, ref.gain, design.sections, design.gain, float(design.rate),
                               coefficient_words, numerator_words, design.width)
+
+
+def dequantise(words: Any, width: int, layout: str = "cascade",
+               sections: Optional[int] = None) -> Tuple[np.ndarray, float]:
+    """Fixed-point words as the real filter they hold: ``(sections (S, 5),
+    gain)`` in the library's convention, ready for ``response`` and ``poles``.
+
+    layout 'cascade': S sections of iwl b0 b1 b2 A1 A2, then the gain's iwl
+    and word (6*S + 2 words; S from ``sections``, else from the length);
+    'crossover' (low-pass then high-pass section) and 'thumpx' (the eleven
+    groups, first-order ones as b0 b1 0 A1 0): one row per group, gain 1.
+    width: 32, 24 or 16, the bits each word was quantised to.
+    """
+    w = np.asarray(words)
+    if w.dtype.kind not in "iu" or w.ndim != 1:
+        raise TypeError("words must be a 1-D integer array")
+    if width not in (16, 24, 32):
+        raise ValueError(f"width must be 16, 24 or 32, not {width!r}")
+    w = w.astype(np.int64)
+    if layout == "cascade":
+        s = (len(w) - 2) // 6 if sections is None else int(sections)
+        if s < 0 or len(w) < 6 * s + 2:
+            raise ValueError(f"{len(w)} words do not hold a cascade of {s} sections")
+        g = w[:6 * s].reshape(s, 6)
+        return g[:, 1:] * np.ldexp(1.0, g[:, :1] - width), float(w[6 * s + 1] * np.ldexp(1.0, int(w[6 * s]) - width))
+    if layout not in ("crossover", "thumpx"):
+        raise ValueError(f"layout must be 'cascade', 'crossover' or 'thumpx', not {layout!r}")
+    groups, _ = _core.designer_groups(layout)
+    out = np.zeros((len(groups), 5))
+    for i, (_, _, first, values) in enumerate(groups):
+        if len(w) < first + 1 + values:
+            raise ValueError(f"{len(w)} words are too few for the {layout} layout")
+        pos = [0, 1, 3] if values == 3 else [0, 1, 2, 3, 4]
+        out[i, pos] = w[first + 1:first + 1 + values] * np.ldexp(1.0, int(w[first]) - width)
+    return out, 1.0

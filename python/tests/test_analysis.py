@@ -50,3 +50,13 @@ BAD = [(lambda: qh.response(np.zeros((2, 5)), [100.0]), ValueError, "a cascade i
 def test_bad_cascades_raise(call, error, text):
     with pytest.raises(error, match=text):
         call()
+
+
+@pytest.mark.parametrize("make,layout", [(lambda: qh.butterworth("low", 700, 5, 48000, "fxp16"), "cascade"),
+                                         (lambda: qh.peq([("notch", 900, 4, 0)], 48000, "fxp24"), "cascade"),
+                                         (lambda: qh.crossover(300, 48000, "fxp32"), "crossover"),
+                                         (lambda: qh.thumpx(100, 48000, "fxp24"), "thumpx")])
+def test_dequantise_reads_words_as_the_design_lists_them(make, layout):
+    d = make()
+    sections, gain = qh.dequantise(d.output, d.width, layout)
+    assert np.array_equal(sections, d.sections) and gain == d.gain

@@ -12,6 +12,9 @@ FORMATS = ("float", "fxp32", "fxp32-noscale", "fxp24", "fxp16")
 _WIDTH = {"float": 0, "fxp32": 32, "fxp32-noscale": 32, "fxp24": 24, "fxp16": 16}
 _KINDS = {"low": _core.LOWPASS, "high": _core.HIGHPASS}
 BAND_TYPES: Dict[str, int] = {name: value for value, name in _core.BAND_TYPES}
+# Beyond these an output buffer is sized from a mistake; `heron design` has the same limits.
+_MAX_ORDER = 64
+_MAX_BANDS = 64
 
 
 def _fmt(fmt: Any) -> str:
@@ -170,6 +173,8 @@ def butterworth(kind: Any, cutoff: Any, order: int, rate: Any = 48000, fmt: str 
     fmt = _fmt(fmt)
     if not isinstance(order, numbers.Integral) or isinstance(order, bool):
         raise TypeError(f"order must be an integer (one for the whole sweep), not {type(order).__name__}")
+    if order > _MAX_ORDER:
+        raise ValueError(f"order must be at most {_MAX_ORDER}, not {order}")
     shape, (k, c, r) = _sweep_shape(_kind_codes(kind), _numeric("cutoff", cutoff, np.float32),
                                     _numeric("rate", rate, np.int32))
     out = _core.design_butterworth(k, c, int(order), r, fmt, _workers(workers))
@@ -211,6 +216,8 @@ def peq(bands: Sequence[Sequence[Any]], rate: Any = 48000, fmt: str = "float", *
     fmt = _fmt(fmt)
     if isinstance(bands, (str, bytes)) or not isinstance(bands, Sequence):
         raise TypeError("bands must be a sequence of (type, freq, q, gain[, invert]) tuples")
+    if len(bands) > _MAX_BANDS:
+        raise ValueError(f"at most {_MAX_BANDS} bands, not {len(bands)}")
     fields: List[List[np.ndarray]] = [[], [], [], [], []]
     for i, band in enumerate(bands):
         if isinstance(band, (str, bytes)) or not isinstance(band, Sequence):

@@ -74,6 +74,7 @@ class RecordView(bytes):
         return list(self._by_name)
 
     def items(self) -> Iterator[Tuple[str, Any]]:
+        """(name, value) of every field in record order."""
         for name in self._by_name:
             yield name, self[name]
 

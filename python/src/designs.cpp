@@ -96,8 +96,9 @@ py::tuple Butterworth(In<int32_t> kind, In<float> cutoff, int order, In<int32_t>
     q.sample_rate = r[i];
     return q;
   };
-  const qh_design::ButterworthRequest first = make(0, 0);
-  return RunSweep(n, format, workers, qh_design::OutputLength(first, format), qh_design::WorkspaceBytes(first, format),
+  qh_design::ButterworthRequest sizes;  // lengths depend on the order alone
+  sizes.order = order;
+  return RunSweep(n, format, workers, qh_design::OutputLength(sizes, format), qh_design::WorkspaceBytes(sizes, format),
                   make);
 }
 
@@ -106,7 +107,8 @@ py::tuple Peq(In<int32_t> type, In<float> freq, In<float> q, In<float> gain, In<
               const std::string& fmt, int workers) {
   const Format format = FormatFor(qh_design::Family::kPeq, fmt);
   const std::ptrdiff_t n = rate.size();
-  const std::ptrdiff_t bands = n > 0 ? type.size() / n : 0;
+  if (type.ndim() != 2) throw py::value_error("peq: band fields must be (designs, bands) arrays");
+  const std::ptrdiff_t bands = type.shape(1);
   for (const py::array* a : {static_cast<py::array*>(&type), static_cast<py::array*>(&freq),
                              static_cast<py::array*>(&q), static_cast<py::array*>(&gain),
                              static_cast<py::array*>(&invert)}) {
@@ -124,8 +126,8 @@ py::tuple Peq(In<int32_t> type, In<float> freq, In<float> q, In<float> gain, In<
     }
     return qh_design::PeqRequest{static_cast<int32_t>(bands), b.data(), r[i]};
   };
-  const qh_design::PeqRequest first = make(0, 0);
-  return RunSweep(n, format, count, qh_design::OutputLength(first, format), qh_design::WorkspaceBytes(first, format),
+  const qh_design::PeqRequest sizes{static_cast<int32_t>(bands), storage[0].data(), 48000};  // lengths: the band count
+  return RunSweep(n, format, count, qh_design::OutputLength(sizes, format), qh_design::WorkspaceBytes(sizes, format),
                   make);
 }
 

@@ -85,6 +85,7 @@ BAD_ARGUMENTS = [
     (lambda: qh.butterworth(0, 1000, 2), TypeError, "kind must be"),
     (lambda: qh.butterworth("low", "1k", 2), TypeError, "cutoff must be a number"),
     (lambda: qh.butterworth("low", 1000, 2.0), TypeError, "order must be an integer"),
+    (lambda: qh.butterworth("low", 1000, 65), ValueError, "order must be at most 64"),
     (lambda: qh.butterworth("low", 1000, 2, 48000, "fxp8"), ValueError, "butterworth takes fmt"),
     (lambda: qh.butterworth("low", 1000, 2, 48000, 32), TypeError, "fmt must be a str"),
     (lambda: qh.butterworth("low", np.ones(3), 2, np.ones(2, int)), ValueError, "do not broadcast"),

@@ -51,3 +51,21 @@ def test_ten_thousand_fxp32_designs_same_with_one_worker_or_all():
     print(f"10,000 Fxp32 Butterworth designs: {seconds * 1000:.1f} ms")
     assert parallel.output.shape == (10_000, 14)
     assert np.array_equal(parallel.output, serial.output) and not parallel.result.any()
+
+
+def test_a_sweep_lets_other_python_threads_run():
+    """While one thread sweeps, this one keeps running: its longest pause is
+    far shorter than the sweep (holding the interpreter lock, it would be all of it)."""
+    import threading
+    cutoffs = np.linspace(20, 20000, 30_000)
+    done = threading.Event()
+    worker = threading.Thread(target=lambda: (qh.butterworth("high", cutoffs, 6, 48000, "fxp32", workers=1),
+                                              done.set()))
+    start = last = time.perf_counter()
+    longest = 0.0
+    worker.start()
+    while not done.is_set():
+        now = time.perf_counter()
+        longest, last = max(longest, now - last), now
+    worker.join()
+    assert longest < 0.5 * (time.perf_counter() - start)

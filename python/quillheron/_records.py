@@ -2,6 +2,7 @@
 of the native records from the record catalogue `heron dump` reads."""
 from __future__ import annotations
 
+import numbers
 import os
 from typing import Any, Dict, Iterator, List, Optional, Sequence, Tuple, Union
 
@@ -157,14 +158,14 @@ def populate(route: Source, rate: int, models: Sequence[Source] = (), room_mask:
     TypeError, a path of unknown encoding ValueError.
     """
     from .pb import listeningmodel_pb2, routeconfiguration_pb2
-    if not isinstance(rate, int) or not isinstance(room_mask, int):
+    if not all(isinstance(v, numbers.Integral) and not isinstance(v, bool) for v in (rate, room_mask)):
         raise TypeError("rate and room_mask must be integers")
     if isinstance(models, (str, bytes)) or not isinstance(models, (list, tuple)):
         raise TypeError("models must be a list or tuple of model sources")
     r = _serialized(route, routeconfiguration_pb2.RouteConfiguration, "route")
     ms = [_serialized(m, listeningmodel_pb2.listeningModel, "a model") for m in models]
-    return Records(_core.populate_premix(r), _core.populate_postmix(r, ms, rate, room_mask),
-                   (_core.populate_fader(r, True), _core.populate_fader(r, False)), rate)
+    return Records(_core.populate_premix(r), _core.populate_postmix(r, ms, int(rate), int(room_mask)),
+                   (_core.populate_fader(r, True), _core.populate_fader(r, False)), int(rate))
 
 
 def convert(premix: Optional[bytes] = None, postmix: Optional[bytes] = None, rate: int = 48000,

@@ -92,6 +92,7 @@ BAD = [
     (lambda: qh.populate(ROUTE, 48000, models=MODEL), TypeError, "models must be a list"),
     (lambda: qh.populate(listeningmodel_pb2.listeningModel(), 48000), TypeError, "route must be a quill.pb.hub"),
     (lambda: qh.populate("route.yaml", 48000), ValueError, "cannot tell the encoding"),
+    (lambda: qh.populate(ROUTE, 48000.0), TypeError, "rate and room_mask must be integers"),
     (lambda: qh.convert(premix=b"\0" * 10), ValueError, "premix must be 156 bytes"),
     (lambda: qh.convert(premix_fader=(1, 2)), ValueError, "a fader is five integers"),
 ]

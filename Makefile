@@ -4,7 +4,7 @@ BUILD_DIR ?= build
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build test demo examples clean
+.PHONY: all deps configure build test demo examples clean python python-example
 
 all: build
 
@@ -46,6 +46,15 @@ demo: build
 	@echo
 	@echo "$(HERON) dump $(BUILD_DIR)/demo/postmix.bin  (key fields)"
 	@$(HERON) dump $(BUILD_DIR)/demo/postmix.bin | grep -E $(DEMO_FIELDS)
+
+# The Python package quillheron, assembled in $(BUILD_DIR)/python (put that
+# directory on PYTHONPATH, or install with pip: see python/setup.py).
+python: configure
+	cmake --build $(BUILD_DIR) -j$(JOBS) --target qh_python
+
+# The plot of every filter of the example route (docs/python_example.png).
+python-example: python
+	PYTHONPATH=$(BUILD_DIR)/python /usr/bin/python3 python/examples/plot_route.py docs/python_example.png
 
 # Regenerates the shipped examples with the project's own designers.
 examples: build

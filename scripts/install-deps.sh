@@ -3,6 +3,14 @@
 # Usage: scripts/install-deps.sh [extra-package ...]
 set -euo pipefail
 pkgs=(protobuf-compiler libprotobuf-dev cmake ninja-build g++ make libgtest-dev libcli11-dev nlohmann-json3-dev "$@")
+
+# --- Python package (python/), for Debian's /usr/bin/python3: pybind11, numpy,
+# scipy, pytest and protobuf; matplotlib for its example; venv, pip, wheel and
+# setuptools for its install command.
+PY_PKGS=(pybind11-dev python3-pybind11 python3-dev python3-numpy python3-scipy python3-pytest python3-protobuf
+         python3-matplotlib python3-venv python3-pip python3-wheel python3-setuptools)
+pkgs+=("${PY_PKGS[@]}")
+# --- end of the Python package's packages
 missing=()
 for p in "${pkgs[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

@@ -78,7 +78,7 @@ bench-build:
 	@scripts/install-deps.sh libbenchmark-dev valgrind
 	@if [ ! -f $(BENCH_DIR)/build.ninja ]; then \
 	  cmake -S . -B $(BENCH_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release \
-	    -DQH_BUILD_BENCH=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF; \
+	    -DQH_BUILD_BENCH=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF -DQH_BUILD_PYTHON=OFF; \
 	fi
 	cmake --build $(BENCH_DIR) -j$(JOBS) --target qh_bench
 
@@ -109,13 +109,13 @@ SAN_ENV = ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stack
 
 test-san: deps
 	@if [ ! -f $(SAN_DIR)/build.ninja ]; then \
-	  cmake -S . -B $(SAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+	  cmake -S . -B $(SAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQH_BUILD_PYTHON=OFF \
 	    "-DCMAKE_C_FLAGS=$(SAN_FLAGS)" "-DCMAKE_CXX_FLAGS=$(SAN_FLAGS)"; \
 	fi
 	cmake --build $(SAN_DIR) -j$(JOBS)
 	$(SAN_ENV) ctest --test-dir $(SAN_DIR) --output-on-failure -j$(JOBS)
 	@if [ ! -f $(TSAN_DIR)/build.ninja ]; then \
-	  cmake -S . -B $(TSAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQH_BUILD_TOOLS=OFF \
+	  cmake -S . -B $(TSAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQH_BUILD_TOOLS=OFF -DQH_BUILD_PYTHON=OFF \
 	    "-DCMAKE_C_FLAGS=$(TSAN_FLAGS)" "-DCMAKE_CXX_FLAGS=$(TSAN_FLAGS)"; \
 	fi
 	cmake --build $(TSAN_DIR) -j$(JOBS) --target concurrency_test
@@ -136,7 +136,7 @@ fuzz:
 	@scripts/install-deps.sh clang libclang-rt-14-dev
 	@if [ ! -f $(FUZZ_DIR)/build.ninja ]; then \
 	  CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-	    -DQH_BUILD_FUZZ=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF \
+	    -DQH_BUILD_FUZZ=ON -DQH_BUILD_TESTS=OFF -DQH_BUILD_TOOLS=OFF -DQH_BUILD_PYTHON=OFF \
 	    "-DCMAKE_C_FLAGS=$(FUZZ_CFLAGS)" "-DCMAKE_CXX_FLAGS=$(FUZZ_CFLAGS)"; \
 	fi
 	cmake --build $(FUZZ_DIR) -j$(JOBS) $(addprefix --target fuzz_,$(FUZZ_HARNESSES))

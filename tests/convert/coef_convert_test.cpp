@@ -1,10 +1,12 @@
 // Reverse converters: a whole postmix record of varied bytes, converted with
 // its rooms and populated again, comes back byte for byte except where the
 // layout says it cannot; and what the rebuilt coefficient messages carry
-// beyond the bytes (null identifiers, the converter's rate, full lists).
+// beyond the bytes (identifiers, names, the converter's rate, full lists).
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "coef_test_support.h"
@@ -96,8 +98,23 @@ TEST(CoefConvert, RebuiltMessages) {
   HeronSettings s;
   s.mutable_postmix()->mutable_hpf_coef()->set_cutoff(120);  // cleared with the rest of Postmix
   QuillHeron_v1_1_Pb conv(kRate);
-  conv.convert(*rec, &s, false);
+  conv.convert(*rec, &s, true);
   const auto& pm = s.postmix();
+  // Rooms (front, wide, multichannel) and the headphone EQ: named as rebuilt,
+  // identified by their record bytes in lower-case 8-4-4-4-12 text.
+  const std::size_t kIds[4] = {33328, 45668, 488, 58008};
+  for (int i = 0; i < 4; ++i) {
+    const auto& m = i < 3 ? pm.model().rooms(i).uuid() : pm.model().headphones(0).uuid();
+    const auto& name = i < 3 ? pm.model().rooms(i).name() : pm.model().headphones(0).name();
+    std::string want;
+    for (int k = 0; k < 16; ++k) {
+      char hex[3];
+      std::snprintf(hex, sizeof hex, "%02x", rec.bytes()[kIds[i] + k]);
+      want += std::string(k == 4 || k == 6 || k == 8 || k == 10 ? "-" : "") + hex;
+    }
+    EXPECT_EQ(m, want) << i;
+    EXPECT_EQ(name, "From Heron STU") << i;
+  }
   for (const std::string* uuid : {&pm.hpf_coef().uuid(), &pm.brio_hpf_coef().uuid(), &pm.brio_xover_coef().uuid(),
                                   &pm.thumpx_coef().uuid(), &pm.aeqcoef(0).uuid(), &pm.model().aeqs(0).uuid()}) {
     EXPECT_EQ(*uuid, kNull);

@@ -1,5 +1,5 @@
 // Headphone equalisers: the native record, the 128-tap truncation, route
-// filtering across models, and the rebuild from a record.
+// filtering across models. The rebuild from a record: coef_convert_test.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -132,30 +132,6 @@ TEST(ModelHpeq, RouteFilteringAcrossModels) {
   std::vector<int> rec = buffer(540);
   EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_USB, kId, {}, rec.data(), 540, 48000), 1);
   EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_LINEOUT, kId, models, rec.data(), 540, 32000), -998);
-}
-
-TEST(ModelHpeq, RebuildFromRecord) {
-  coeftest::Record rec;
-  for (int i = 0; i < 16; ++i) rec.bytes()[58008 + i] = static_cast<std::uint8_t>(0xF0 + i);
-  rec.put32(58008 + 16, 44100);
-  rec.put32(58008 + 20, 128);
-  rec.put16(58032, 0x8000);
-  rec.put16(58032 + 2 * 257, 0x7FFF);
-  listeningModel model;
-  quill::pb::hub::ResourceLocator locator;
-  QuillHeron_v1_1_Pb::_addHpeq(&model, &(*rec).hpeq, 540, &locator);
-  ASSERT_EQ(model.headphones_size(), 1);
-  const headphoneEq& h = model.headphones(0);
-  EXPECT_EQ(h.uuid(), "f0f1f2f3-f4f5-f6f7-f8f9-fafbfcfdfeff");
-  EXPECT_EQ(locator.uuid(), h.uuid());
-  EXPECT_EQ(h.name(), "From Heron STU");
-  EXPECT_EQ(h.ihpirlength(), 128u);
-  ASSERT_EQ(h.coefftables_size(), 1);
-  EXPECT_EQ(h.coefftables(0).samplerate(), 44100);
-  ASSERT_EQ(h.coefftables(0).coeff_16_size(), 258);
-  EXPECT_EQ(h.coefftables(0).coeff_16(0), -32768);
-  EXPECT_EQ(h.coefftables(0).coeff_16(257), 32767);
-  EXPECT_EQ(h.coefftables(0).coeff_16(1), static_cast<std::int16_t>(0xA5A5));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Room models: the native room record byte for byte, the capacity edge,
-// resolution order and identifier matching, and the rebuild from records.
+// resolution order and identifier matching. The rebuild from records:
+// coef_convert_test.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -124,69 +125,6 @@ TEST(ModelRooms, ResolutionOrder) {
   }
   std::vector<int> rec = buffer(12340);
   EXPECT_EQ(QuillPb::processRoomData(kRoomId, {}, rec.data(), 12340, 48000), -999);
-}
-
-TEST(ModelRooms, RebuildFromRecord) {
-  roomModel room;
-  room.set_uuid("DEADBEEF-0001-0203-0405-060708090A0B");
-  room.set_channelmask(3);
-  room.set_numpairs(2);
-  room.set_brirlength(8);
-  room.set_reverbgain(-100);
-  room.set_reverbcut(7);
-  coeftest::setTable(room.add_coefftables(), 32000, {}, {-2, 32767, -32768, 5});
-  std::vector<int> rec(12, 0);
-  ASSERT_EQ(QuillPb::loadRoom(&room, rec.data(), 48, 32000), 0);
-
-  listeningModel model;
-  quill::pb::hub::ResourceLocator locator;
-  QuillHeron_v1_1_Pb::_addRoom(&model, reinterpret_cast<const _quillHpcLyraRmData*>(rec.data()), 48, &locator);
-  ASSERT_EQ(model.rooms_size(), 1);
-  const roomModel& back = model.rooms(0);
-  EXPECT_EQ(back.uuid(), "deadbeef-0001-0203-0405-060708090a0b");
-  EXPECT_EQ(locator.uuid(), back.uuid());
-  EXPECT_EQ(back.name(), "From Heron STU");
-  EXPECT_EQ(back.channelmask(), 3u);
-  EXPECT_EQ(back.numpairs(), 2u);
-  EXPECT_EQ(back.brirlength(), 8u);
-  EXPECT_EQ(back.reverbgain(), -100);
-  EXPECT_EQ(back.reverbcut(), 7u);
-  ASSERT_EQ(back.coefftables_size(), 1);
-  EXPECT_EQ(back.coefftables(0).samplerate(), 32000);
-  const std::vector<std::int32_t> coeffs(back.coefftables(0).coeff_16().begin(), back.coefftables(0).coeff_16().end());
-  EXPECT_EQ(coeffs, (std::vector<std::int32_t>{-2, 32767, -32768, 5}));
-}
-
-// The reverse path stamps the converter's rate into all three room records and
-// emits front, wide, then multichannel at full capacity.
-TEST(ModelRooms, ProcessRoomModels) {
-  coeftest::Record rec;
-  rec.put16(33368, 0xFFFE);           // front room, first coefficient
-  rec.put16(45708 + 2 * 6149, 0x0102);  // wide room, last coefficient
-  quill::pb::heron_v1_1::HeronSettings settings;
-  QuillHeron_v1_1_Pb conv(44100);
-  conv.processRoomModels(*rec, &settings);
-
-  EXPECT_EQ(rec.u32(488 + 28), 44100u);
-  EXPECT_EQ(rec.u32(33328 + 28), 44100u);
-  EXPECT_EQ(rec.u32(45668 + 28), 44100u);
-  const auto& pm = settings.postmix();
-  ASSERT_EQ(pm.model().rooms_size(), 3);
-  ASSERT_EQ(pm.frontroom_size(), 1);
-  ASSERT_EQ(pm.wideroom_size(), 1);
-  ASSERT_EQ(pm.multichroom_size(), 1);
-  const int sizes[3] = {6150, 6150, 16400};
-  for (int i = 0; i < 3; ++i) {
-    const roomModel& r = pm.model().rooms(i);
-    EXPECT_EQ(r.coefftables(0).coeff_16_size(), sizes[i]) << i;
-    EXPECT_EQ(r.coefftables(0).samplerate(), 44100) << i;
-    EXPECT_EQ(r.uuid(), "a5a5a5a5-a5a5-a5a5-a5a5-a5a5a5a5a5a5") << i;
-    EXPECT_EQ(r.channelmask(), 0xA5A5A5A5u) << i;
-  }
-  EXPECT_EQ(pm.model().rooms(0).coefftables(0).coeff_16(0), -2);
-  EXPECT_EQ(pm.model().rooms(1).coefftables(0).coeff_16(6149), 0x0102);
-  EXPECT_EQ(pm.model().rooms(2).coefftables(0).coeff_16(0), static_cast<std::int16_t>(0xA5A5));
-  EXPECT_EQ(pm.frontroom(0).uuid(), pm.model().rooms(0).uuid());
 }
 
 }  // namespace

@@ -147,23 +147,6 @@ TEST(DistprevRecord, AttenuationsAndGainScalars) {
   }
 }
 
-TEST(DistprevRecord, HandWorkedLevels) {
-  quillDistprevNotchDesignBlock blk = DefaultBlock();
-  blk.nf_base_attn_max = -12.0f;
-  blk.nf_slope = -3.0f;
-  blk.nf_band_ct = 4;
-  quillMBHLDistprevCoeff r;
-  DesignOne(blk, &r);
-  // -12 dB is 0.251189 of full scale; bands beyond the count are 0 dB.
-  EXPECT_NEAR(r.notch_band_attenuation_max[0], 0.2511886 * 2147483647.0, 300.0);
-  EXPECT_NEAR(r.notch_band_attenuation_max[3], 0.0891251 * 2147483647.0, 300.0);
-  EXPECT_EQ(r.notch_band_attenuation_max[4], 2147483647);
-  // Gain scalars relative to the base: 0, -3, -6, -9 dB, then +12 dB.
-  const double kGain[6] = {32767, 23197.5, 16422.5, 11626.4, 130447, 130447};
-  for (int b = 0; b < 6; ++b) EXPECT_NEAR(r.notch_band_gain_scalars[b], kGain[b], 2.0) << b;
-
-}
-
 struct SmootherCase {
   const char* name;
   float attk_thld, attk_ms, rel_ms;

@@ -52,17 +52,19 @@ TEST(ModelAeq, BankSelection) {
     const char* name;
     std::vector<std::vector<int>> bank_rates;  // IIR table rates per bank (tag = index + 1)
     int result;
-    bool bank1_used;                            // a second bank was selected
+    int selected;                               // banks selected (their order is written)
     std::vector<std::int32_t> bank0, bank1;     // expected IIR values
   };
   const Case kCases[] = {
-      {"two banks", {{44100, 48000}, {48000}}, 0, true, {100, 101, 102}, {200, 201, 202}},
-      {"three, first lacks the rate", {{44100}, {48000}, {48000}}, 0, true, {200, 201, 202}, {300, 301, 302}},
-      {"four, two with the rate", {{48000}, {32000}, {44100}, {48000}}, 0, true, {100, 101, 102}, {400, 401, 402}},
-      {"second bank lacks the rate", {{48000}, {44100}}, -998, true, {100, 101, 102}, {}},
-      {"first bank lacks the rate", {{44100}, {48000}}, -998, true, {}, {200, 201, 202}},
-      {"one bank", {{48000}}, -998, false, {100, 101, 102}, {}},
-      {"three, one with the rate", {{48000}, {44100}, {44100}}, -998, false, {100, 101, 102}, {}},
+      {"two banks", {{44100, 48000}, {48000}}, 0, 2, {100, 101, 102}, {200, 201, 202}},
+      {"three, first lacks the rate", {{44100}, {48000}, {48000}}, 0, 2, {200, 201, 202}, {300, 301, 302}},
+      {"four, two with the rate", {{48000}, {32000}, {44100}, {48000}}, 0, 2, {100, 101, 102}, {400, 401, 402}},
+      {"second bank lacks the rate", {{48000}, {44100}}, -998, 2, {100, 101, 102}, {}},
+      {"first bank lacks the rate", {{44100}, {48000}}, -998, 2, {}, {200, 201, 202}},
+      // Fewer than two banks: the missing one is a missing table.
+      {"one bank", {{48000}}, -998, 1, {100, 101, 102}, {}},
+      {"three, one with the rate", {{48000}, {44100}, {44100}}, -998, 1, {100, 101, 102}, {}},
+      {"no bank", {}, -998, 0, {}, {}},
   };
   for (const Case& c : kCases) {
     listeningModel m;
@@ -70,8 +72,8 @@ TEST(ModelAeq, BankSelection) {
     for (std::size_t i = 0; i < c.bank_rates.size(); ++i) addBank(aeq, c.bank_rates[i], static_cast<int>(i) + 1);
     coeftest::Record rec;
     EXPECT_EQ(QuillPb::loadAeq(quill::pb::hub::AR_OUT_ATTACHED0, kId, {&m}, &(*rec).aeq, 48000), c.result) << c.name;
-    expectBank(rec, kAeq, 24, c.bank0, c.name);
-    expectBank(rec, kBank1, c.bank1_used ? 24 : 0, c.bank1, c.name);
+    expectBank(rec, kAeq, c.selected > 0 ? 24 : 0, c.bank0, c.name);
+    expectBank(rec, kBank1, c.selected > 1 ? 24 : 0, c.bank1, c.name);
     EXPECT_TRUE(rec.untouched(kAeq - 16, kAeq)) << c.name;
     EXPECT_TRUE(rec.untouched(kAeq + 2688, kAeq + 2688 + 16)) << c.name;
   }

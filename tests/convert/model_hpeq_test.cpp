@@ -47,6 +47,12 @@ TEST(ModelHpeq, RecordLayout) {
   EXPECT_EQ(le32(b, 40), kFill);
   EXPECT_EQ(QuillPb::sizeofHpeq(&h, 48000), 40u);
   EXPECT_EQ(QuillPb::sizeofHpeq(&h, 44100), 0u);
+  // A region too small for the 24-byte header: -997, nothing written.
+  for (unsigned int capacity : {0u, 4u, 23u}) {
+    std::vector<int> small = buffer(64);
+    EXPECT_EQ(QuillPb::loadHpeq(&h, small.data(), capacity, 48000), -997) << capacity;
+    for (int w : small) EXPECT_EQ(static_cast<std::uint32_t>(w), kFill) << capacity;
+  }
 }
 
 // Which source value lands in each record slot. Up to 128 stated taps the

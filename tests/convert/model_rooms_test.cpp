@@ -73,6 +73,8 @@ TEST(ModelRooms, CapacityAndTableFailures) {
       {6150, false, 12340, 0},  {6151, false, 12340, -997}, {16400, false, 32840, 0},
       {16401, false, 32840, -997}, {0, false, 12340, -998}, {-1, false, 12340, -998},
       {4, true, 12340, -998},
+      // Regions too small for the 40-byte header.
+      {4, false, 0, -997},  {4, false, 4, -997}, {4, false, 23, -997},
   };
   for (const Case& c : kCases) {
     roomModel room;

@@ -13,9 +13,7 @@
 
 namespace {
 
-using coeftest::kPattern;
-using coeftest::Record;
-using quill::pb::heron_v1_1::HeronSettings;
+using namespace coeftest;
 
 const char kNull[] = "{00000000-0000-0000-0000-000000000000}";
 constexpr int kRate = 44100;

@@ -15,12 +15,8 @@
 
 namespace {
 
-using coeftest::expectWords;
-using coeftest::kPattern32;
-using coeftest::ramp;
-using coeftest::Record;
+using namespace coeftest;
 using quill::pb::coef::MbhlDistPrevCoeff;
-using quill::pb::heron_v1_1::HeronSettings;
 
 constexpr std::size_t kRec0 = 61772;
 constexpr std::size_t kRec1 = 63940;

@@ -25,6 +25,9 @@ constexpr std::uint16_t kPattern16 = 0xA5A5u;
 constexpr std::size_t kRecordBytes = 66108;
 
 using quill::pb::coef::CoefTable;
+using quill::pb::heron_v1_1::HeronSettings;
+using quill::pb::heron_v1_1::Postmix;
+using quill::pb::model::listeningModel;
 
 // Little-endian reads at a byte offset of any buffer.
 inline std::uint32_t le32(const void* p, std::size_t off) {

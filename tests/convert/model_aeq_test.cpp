@@ -9,11 +9,9 @@
 
 namespace {
 
-using coeftest::ramp;
+using namespace coeftest;
 using quill::pb::coef::Aeq;
 using quill::pb::coef::FilterBank;
-using quill::pb::heron_v1_1::Postmix;
-using quill::pb::model::listeningModel;
 
 constexpr std::size_t kAeq = 58632;
 constexpr std::size_t kBank1 = kAeq + 1344;

@@ -9,12 +9,9 @@
 
 namespace {
 
-using coeftest::CoefTable;
-using coeftest::le16;
-using coeftest::le32;
+using namespace coeftest;
 using quill::pb::hub::AudioRoute;
 using quill::pb::model::headphoneEq;
-using quill::pb::model::listeningModel;
 
 constexpr std::uint32_t kFill = 0xA5A5A5A5u;
 const char kId[] = "0f0e0d0c-0b0a-0908-0706-050403020100";

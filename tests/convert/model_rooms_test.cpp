@@ -10,10 +10,7 @@
 
 namespace {
 
-using coeftest::CoefTable;
-using coeftest::le16;
-using coeftest::le32;
-using quill::pb::model::listeningModel;
+using namespace coeftest;
 using quill::pb::model::roomModel;
 
 constexpr std::uint32_t kFill = 0xA5A5A5A5u;

@@ -16,17 +16,7 @@
 
 namespace {
 
-using coeftest::expectHalves;
-using coeftest::expectWords;
-using coeftest::kPattern32;
-using coeftest::ramp;
-using coeftest::Record;
-using coeftest::setTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
-using quill::pb::hub::RouteConfiguration;
-using quill::pb::model::listeningModel;
-using namespace postmixtest;  // the scenario: identifiers, models, settings
+using namespace postmixtest;  // the scenario (identifiers, models, settings) and coeftest's helpers
 
 void expectRoomHeader(const Record& rec, std::size_t at, std::uint8_t first_uuid_byte, std::uint32_t mask,
                       std::uint32_t brir, const char* what) {

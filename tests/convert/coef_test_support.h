@@ -74,6 +74,11 @@ struct Record {
 };
 
 
+// A word buffer of `bytes` bytes (rounded down to words), pattern-filled.
+inline std::vector<int> patternWords(std::size_t bytes) {
+  return std::vector<int>(bytes / 4, static_cast<int>(kPattern32));
+}
+
 // Values base, base + step, ... (n of them).
 inline std::vector<std::int32_t> ramp(int n, std::int32_t base, std::int32_t step = 1) {
   std::vector<std::int32_t> v;

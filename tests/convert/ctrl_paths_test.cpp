@@ -21,7 +21,8 @@ constexpr std::size_t kRefHtest = 60;     // enhance2 block
 constexpr std::size_t kHtest = 32;
 
 // The first entry with current settings is used: legacy-only entries are
-// passed over, and a route without any fails with -1000 writing nothing.
+// passed over, and a route without any fails with -1000 writing nothing, in
+// the premix, the faders and the postmix.
 TEST(CtrlRoute, FirstCurrentSettingsAreUsed) {
   RouteConfiguration route;
   route.add_tech()->mutable_heron()->mutable_premix()->set_stream_gain(1);
@@ -44,6 +45,9 @@ TEST(CtrlRoute, FirstCurrentSettingsAreUsed) {
     int out[5] = {7, 7, 7, 7, 7};
     EXPECT_EQ(conv.populate(*r, out[0], out[1], out[2], out[3], out[4], true), -1000);
     for (int v : out) EXPECT_EQ(v, 7);
+    coeftest::Record postmix;
+    EXPECT_EQ(conv.populate(*r, *postmix, false, {}, 14), -1000);
+    EXPECT_TRUE(postmix.untouched(0, coeftest::kRecordBytes));
   }
 }
 

@@ -13,11 +13,7 @@ namespace {
 using namespace coeftest;
 using quill::pb::model::roomModel;
 
-constexpr std::uint32_t kFill = 0xA5A5A5A5u;
 const char kRoomId[] = "00112233-4455-6677-8899-aabbccddeeff";
-
-// A word buffer of `bytes` bytes, pattern-filled.
-std::vector<int> buffer(std::size_t bytes) { return std::vector<int>(bytes / 4, static_cast<int>(kFill)); }
 
 roomModel* addRoom(listeningModel* m, const std::string& uuid, int rate, const std::vector<std::int32_t>& c16) {
   roomModel* r = m->add_rooms();
@@ -37,7 +33,7 @@ TEST(ModelRooms, RecordLayout) {
   coeftest::setTable(room.add_coefftables(), 44100, {}, {9, 9, 9, 9, 9, 9});
   coeftest::setTable(room.add_coefftables(), 48000, {}, {1, -1, 70000, -32769});
 
-  std::vector<int> rec = buffer(12340);
+  std::vector<int> rec = patternWords(12340);
   ASSERT_EQ(QuillPb::loadRoom(&room, rec.data(), 12340, 48000), 0);
   const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
   const std::uint8_t uuid[16] = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77,
@@ -53,7 +49,7 @@ TEST(ModelRooms, RecordLayout) {
   EXPECT_EQ(le16(b, 42), 0xFFFF);
   EXPECT_EQ(le16(b, 44), 4464);    // 70000 keeps its low 16 bits
   EXPECT_EQ(le16(b, 46), 0x7FFF);  // -32769 likewise
-  EXPECT_EQ(le32(b, 48), kFill);   // nothing past the coefficients
+  EXPECT_EQ(le32(b, 48), kPattern32);   // nothing past the coefficients
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 48000), 48u);
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 44100), 52u);
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 32000), 0u);
@@ -79,16 +75,16 @@ TEST(ModelRooms, CapacityAndTableFailures) {
     CoefTable* t = room.add_coefftables();
     if (!c.rateless) t->set_samplerate(c.taps < 0 ? 44100 : 48000);
     for (int i = 0; i < c.taps; ++i) t->add_coeff_16(i + 1);
-    std::vector<int> rec = buffer(c.capacity + 8);  // guard words after the capacity
+    std::vector<int> rec = patternWords(c.capacity + 8);  // guard words after the capacity
     const int rate = c.rateless ? 0 : 48000;
     EXPECT_EQ(QuillPb::loadRoom(&room, rec.data(), c.capacity, rate), c.result) << c.taps;
     const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
     if (c.result == 0) {
       EXPECT_EQ(le16(b, 40 + 2 * (c.taps - 1)), static_cast<std::uint16_t>(c.taps)) << c.taps;
     } else {
-      for (std::size_t i = 0; i < rec.size(); ++i) ASSERT_EQ(static_cast<std::uint32_t>(rec[i]), kFill) << c.taps;
+      for (std::size_t i = 0; i < rec.size(); ++i) ASSERT_EQ(static_cast<std::uint32_t>(rec[i]), kPattern32) << c.taps;
     }
-    EXPECT_EQ(le32(b, c.capacity), kFill) << "guard after " << c.taps;
+    EXPECT_EQ(le32(b, c.capacity), kPattern32) << "guard after " << c.taps;
   }
 }
 
@@ -117,12 +113,12 @@ TEST(ModelRooms, ResolutionOrder) {
       {kRoomId, -998, -1},  // not "not found"
   };
   for (const Case& c : kCases) {
-    std::vector<int> rec = buffer(12340);
+    std::vector<int> rec = patternWords(12340);
     EXPECT_EQ(QuillPb::processRoomData(c.uuid, models, rec.data(), 12340, 48000), c.result) << c.uuid;
     const std::uint16_t expect = c.first_coeff < 0 ? 0xA5A5 : static_cast<std::uint16_t>(c.first_coeff);
     EXPECT_EQ(le16(rec.data(), 40), expect) << c.uuid;
   }
-  std::vector<int> rec = buffer(12340);
+  std::vector<int> rec = patternWords(12340);
   EXPECT_EQ(QuillPb::processRoomData(kRoomId, {}, rec.data(), 12340, 48000), -999);
 }
 

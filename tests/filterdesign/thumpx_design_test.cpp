@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "design_requests.h"
-#include "fixed_point_reference.h"
 #include "iir_test_response.h"
 
 namespace {

@@ -52,6 +52,7 @@ TEST(ModelAeq, BankSelection) {
     int result;
     int selected;                               // banks selected (their order is written)
     std::vector<std::int32_t> bank0, bank1;     // expected IIR values
+    int order0 = -1, order1 = -1;               // stated IIR orders; -1: absent (24)
   };
   const Case kCases[] = {
       {"two banks", {{44100, 48000}, {48000}}, 0, 2, {100, 101, 102}, {200, 201, 202}},
@@ -63,29 +64,21 @@ TEST(ModelAeq, BankSelection) {
       {"one bank", {{48000}}, -998, 1, {100, 101, 102}, {}},
       {"three, one with the rate", {{48000}, {44100}, {44100}}, -998, 1, {100, 101, 102}, {}},
       {"no bank", {}, -998, 0, {}, {}},
+      {"stated orders, a present 0 kept", {{48000}, {48000}}, 0, 2, {100, 101, 102}, {200, 201, 202}, 0, 12},
   };
   for (const Case& c : kCases) {
     listeningModel m;
     Aeq* aeq = addAeq(&m, kId);
-    for (std::size_t i = 0; i < c.bank_rates.size(); ++i) addBank(aeq, c.bank_rates[i], static_cast<int>(i) + 1);
+    for (std::size_t i = 0; i < c.bank_rates.size(); ++i) {
+      addBank(aeq, c.bank_rates[i], static_cast<int>(i) + 1, i == 0 ? c.order0 : i == 1 ? c.order1 : -1);
+    }
     coeftest::Record rec;
     EXPECT_EQ(QuillPb::loadAeq(quill::pb::hub::AR_OUT_ATTACHED0, kId, {&m}, &(*rec).aeq, 48000), c.result) << c.name;
-    expectBank(rec, kAeq, c.selected > 0 ? 24 : 0, c.bank0, c.name);
-    expectBank(rec, kBank1, c.selected > 1 ? 24 : 0, c.bank1, c.name);
+    expectBank(rec, kAeq, c.selected > 0 ? (c.order0 < 0 ? 24 : c.order0) : 0, c.bank0, c.name);
+    expectBank(rec, kBank1, c.selected > 1 ? (c.order1 < 0 ? 24 : c.order1) : 0, c.bank1, c.name);
     EXPECT_TRUE(rec.untouched(kAeq - 16, kAeq)) << c.name;
     EXPECT_TRUE(rec.untouched(kAeq + 2688, kAeq + 2688 + 16)) << c.name;
   }
-}
-
-TEST(ModelAeq, Orders) {
-  listeningModel m;
-  Aeq* aeq = addAeq(&m, kId);
-  addBank(aeq, {48000}, 1, /*order=*/0);   // a present 0 is kept
-  addBank(aeq, {48000}, 2, /*order=*/12);
-  coeftest::Record rec;
-  ASSERT_EQ(QuillPb::loadAeq(quill::pb::hub::AR_OUT_ATTACHED0, kId, {&m}, &(*rec).aeq, 48000), 0);
-  expectBank(rec, kAeq, 0, {100, 101, 102}, "order 0");
-  expectBank(rec, kBank1, 12, {200, 201, 202}, "order 12");
 }
 
 TEST(ModelAeq, LookupFailuresLeaveTheRecord) {

@@ -1,145 +1,40 @@
-// Reverse converters: messages rebuilt from native regions (full capacities,
-// the converter's rate, null identifiers), and round trips record -> message
-// -> record through the loaders.
+// Reverse converters: a whole postmix record of varied bytes, converted with
+// its rooms and populated again, comes back byte for byte except where the
+// layout says it cannot; and what the rebuilt coefficient messages carry
+// beyond the bytes (identifiers, names, the converter's rate, full lists).
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "coef_test_support.h"
 
 namespace {
 
-using coeftest::Record;
-using quill::pb::coef::CoefTable;
-using quill::pb::heron_v1_1::HeronSettings;
+using namespace coeftest;
 
 const char kNull[] = "{00000000-0000-0000-0000-000000000000}";
+constexpr int kRate = 44100;
+constexpr std::size_t kAeq0 = 58632, kAeq1 = 58632 + 1344, kRec0 = 61772, kRec1 = 63940;
 
-// Fills bytes [from, to) of the record with a varied, sign-mixing pattern.
-void scribble(Record& rec, std::size_t from, std::size_t to, std::uint32_t seed) {
-  std::uint32_t x = seed;
-  for (std::size_t i = from; i < to; ++i) {
+// Every byte varied (sign-mixing), then what populate needs to read it all:
+// the stages enabled, a speaker size that keeps the bass coefficients, no
+// negative ref_htest, ordinary floats in the distortion-prevention banks.
+Record scribbledRecord() {
+  Record rec;
+  std::uint32_t x = 7;
+  for (std::size_t i = 0; i < coeftest::kRecordBytes; ++i) {
     x = x * 1664525u + 1013904223u;
     rec.bytes()[i] = static_cast<std::uint8_t>(x >> 24);
   }
-}
-
-std::vector<std::int32_t> words(const Record& rec, std::size_t at, int n) {
-  std::vector<std::int32_t> v;
-  for (int i = 0; i < n; ++i) v.push_back(rec.i32(at + 4 * i));
-  return v;
-}
-
-std::vector<std::int32_t> halves(const Record& rec, std::size_t at, int n) {
-  std::vector<std::int32_t> v;
-  for (int i = 0; i < n; ++i) v.push_back(static_cast<std::int16_t>(rec.u16(at + 2 * i)));
-  return v;
-}
-
-std::vector<std::int32_t> list(const google::protobuf::RepeatedField<std::int32_t>& f) {
-  return std::vector<std::int32_t>(f.begin(), f.end());
-}
-
-TEST(CoefConvert, HeronHighPassRoundTrip) {
-  Record rec;
-  scribble(rec, 58548, 58548 + 84, 1);
-  rec.put32(58548, 4);
-  HeronSettings s;
-  s.mutable_postmix()->mutable_hpf_coef()->set_cutoff(120);
-  QuillHeron_v1_1_Pb conv(44100);
-  conv.convert((*rec).hpf, &s);
-  const auto& hpf = s.postmix().hpf_coef();
-  EXPECT_EQ(hpf.uuid(), kNull);
-  EXPECT_FALSE(hpf.has_cutoff());
-  EXPECT_EQ(hpf.order(), 4);
-  ASSERT_EQ(hpf.coeffs_size(), 1);
-  EXPECT_EQ(hpf.coeffs(0).samplerate(), 44100);
-  EXPECT_EQ(list(hpf.coeffs(0).coeff_32()), words(rec, 58552, 20));
-
-  Record back;
-  conv.LoadHeronHPF(s.postmix(), *back);
-  EXPECT_EQ(0, std::memcmp(back.bytes() + 58548, rec.bytes() + 58548, 84));
-}
-
-// Written to coeff_32, where the loader does not look: the round trip keeps
-// the order but not the coefficients.
-TEST(CoefConvert, BrioHighPassAsymmetry) {
-  Record rec;
-  rec.put32(61320, 2);
-  for (int i = 0; i < 20; ++i) rec.put16(61324 + 2 * i, static_cast<std::uint16_t>(0xFFF0 + i));
-  HeronSettings s;
-  QuillHeron_v1_1_Pb conv(48000);
-  conv.convert((*rec).brio_hpf, &s);
-  const auto& h = s.postmix().brio_hpf_coef();
-  EXPECT_EQ(h.uuid(), kNull);
-  EXPECT_EQ(h.order(), 2);
-  ASSERT_EQ(h.hpf_coeffs_size(), 1);
-  EXPECT_EQ(h.hpf_coeffs(0).coeff_16_size(), 0);
-  ASSERT_EQ(h.hpf_coeffs(0).coeff_32_size(), 20);
-  EXPECT_EQ(h.hpf_coeffs(0).coeff_32(0), -16);
-  EXPECT_EQ(h.hpf_coeffs(0).coeff_32(19), 3);
-
-  Record back;
-  EXPECT_EQ(conv.LoadBrioHPF(s.postmix(), *back), 0);
-  EXPECT_EQ(back.u32(61320), 2u);
-  EXPECT_TRUE(back.untouched(61324, 61364));
-}
-
-TEST(CoefConvert, CrossoverRoundTrip) {
-  Record rec;
-  scribble(rec, 61364, 61424, 2);
-  HeronSettings s;
-  QuillHeron_v1_1_Pb conv(32000);
-  conv.convert((*rec).brio_xover, &s);
-  const auto& x = s.postmix().brio_xover_coef();
-  EXPECT_EQ(x.uuid(), kNull);
-  EXPECT_FALSE(x.has_cutoff());
-  EXPECT_EQ(x.order(), rec.i32(61364));
-  ASSERT_EQ(x.hpf_coeffs_size(), 1);
-  ASSERT_EQ(x.lpf_coeffs_size(), 1);
-  EXPECT_EQ(list(x.lpf_coeffs(0).coeff_16()), halves(rec, 61368, 14));
-  EXPECT_EQ(list(x.hpf_coeffs(0).coeff_16()), halves(rec, 61396, 14));
-  EXPECT_EQ(x.lpf_coeffs(0).samplerate(), 32000);
-
-  Record back;
-  EXPECT_EQ(conv.LoadBrioCrossover(s.postmix(), *back), 0);
-  EXPECT_EQ(0, std::memcmp(back.bytes() + 61364, rec.bytes() + 61364, 60));
-}
-
-TEST(CoefConvert, ThumpxAndMbhlRoundTrips) {
-  Record rec;
-  scribble(rec, 61424, 61772, 3);
-  HeronSettings s;
-  QuillHeron_v1_1_Pb conv(48000);
-  conv.convert((*rec).thumpx, &s);
-  conv.convert((*rec).mbhl, &s);
-  const auto& pm = s.postmix();
-  EXPECT_EQ(pm.thumpx_coef().uuid(), kNull);
-  ASSERT_EQ(pm.thumpx_coef().coeffs_size(), 1);
-  EXPECT_EQ(list(pm.thumpx_coef().coeffs(0).coeff_32()), words(rec, 61424, 63));
-  EXPECT_EQ(list(pm.mbhl_coef().low_cross_coeffs().coeff_32()), words(rec, 61676, 12));
-  EXPECT_EQ(list(pm.mbhl_coef().mid_cross_coeffs().coeff_32()), words(rec, 61724, 12));
-  EXPECT_EQ(pm.mbhl_coef().mid_cross_coeffs().samplerate(), 48000);
-
-  Record back;
-  EXPECT_EQ(conv.PopulateTHUMPXCoeff(s, *back), 0);
-  EXPECT_EQ(conv.PopulateMBHLCoeff(s, *back), 0);
-  EXPECT_EQ(0, std::memcmp(back.bytes() + 61424, rec.bytes() + 61424, 61772 - 61424));
-
-  // A second convert appends a second table to the list; each single
-  // crossover table is rebuilt, not extended.
-  conv.convert((*rec).thumpx, &s);
-  conv.convert((*rec).mbhl, &s);
-  EXPECT_EQ(s.postmix().thumpx_coef().coeffs_size(), 2);
-  EXPECT_EQ(s.postmix().mbhl_coef().low_cross_coeffs().coeff_32_size(), 12);
-}
-
-TEST(CoefConvert, DistortionPreventionRoundTrip) {
-  Record rec;
-  // Integer words anywhere, floats kept to ordinary values.
-  scribble(rec, 61772, 66108, 4);
-  for (std::size_t r : {61772u, 63940u}) {
+  for (int i = 0; i < 7; ++i) rec.put32(272 + 60 + 4 * i, 100 + i);
+  rec.put32(20, 5);  // lyra_multi_ch: -1 would come back as 0
+  for (std::size_t enable : {196u, 172u, 408u, 484u}) rec.put32(enable, 1);
+  rec.put32(184, 12);
+  rec.put32(58028, 128);  // headphone-EQ length within what a load keeps whole
+  for (std::size_t r : {kRec0, kRec1}) {
     for (int i = 0; i < 108; ++i) {
       const float a = 0.25f * static_cast<float>(i) - 3.0f, b = -1.0f / static_cast<float>(i + 1);
       std::uint32_t ua, ub;
@@ -149,71 +44,109 @@ TEST(CoefConvert, DistortionPreventionRoundTrip) {
       rec.put32(r + 1736 + 4 * i, ub);
     }
   }
-  HeronSettings s;
-  QuillHeron_v1_1_Pb conv(48000);
-  conv.convert((*rec).dist_prev, &s);
-  ASSERT_EQ(s.postmix().mbhl_dist_prev_size(), 2);
-  for (int i = 0; i < 2; ++i) {
-    const std::size_t at = i == 0 ? 61772 : 63940;
-    const auto& sense = s.postmix().mbhl_dist_prev(i).sense_config();
-    const auto& notch = s.postmix().mbhl_dist_prev(i).notch_config();
-    // Values come back through the loader below; here every list is full.
-    EXPECT_EQ(sense.bandcount(), rec.i32(at));
-    EXPECT_EQ(notch.bandcount(), rec.i32(at + 1048));
-    const int sizes[] = {sense.bandsoscount_size(), sense.bandcoeffs_size(), sense.bandcoeffsfloat32_size(),
-                         notch.bandattenuationmax_size(), notch.bandgainscalars_size(), notch.bandsoscount_size(),
-                         notch.smoothers_size(), notch.bandcoeffs_size(), notch.bandcoeffsfloat32_size()};
-    const int capacities[] = {6, 144, 108, 6, 6, 6, 9, 144, 108};
-    for (int k = 0; k < 9; ++k) EXPECT_EQ(sizes[k], capacities[k]) << "list " << k;
-  }
-  Record back;
-  EXPECT_EQ(conv.PopulateMbhlDistPrevCoeff(s, *back), 0);
-  EXPECT_EQ(0, std::memcmp(back.bytes() + 61772, rec.bytes() + 61772, 2 * 2168));
+  return rec;
 }
 
-// Four rows: bank 0 IIR and FIR, bank 1 IIR and FIR. Loading back keeps the
-// IIR banks; FIR stages are never loaded.
-TEST(CoefConvert, AeqRoundTrip) {
-  Record rec;
-  scribble(rec, 58632, 61320, 5);
-  rec.put32(58632, 10);
-  rec.put32(58636, 20);
-  rec.put32(59976, 12);
-  rec.put32(59980, 0xFFFFFFFFu);
+// Where the second record differs from the first, by the layout's rules.
+struct Difference {
+  const char* why;
+  std::size_t from, to;
+  int fill;  // the byte populate leaves there; -1: the word 0xFFFFFFFF
+};
+
+const Difference kDifferences[] = {
+    {"padding after the ova3d gains", 154, 156, kPattern},
+    {"padding after the thumpx gain", 194, 196, kPattern},
+    {"padding after the brio gains", 230, 232, kPattern},
+    {"the geq10b reserved word", 258, 260, 0},
+    {"padding after the aeq gains", 270, 272, kPattern},
+    {"acoustic EQ bank 0 FIR order: absent", kAeq0 + 4, kAeq0 + 8, -1},
+    {"acoustic EQ bank 0 FIR coefficients: never loaded", kAeq0 + 304, kAeq1, 0},
+    {"acoustic EQ bank 1 FIR order: absent", kAeq1 + 4, kAeq1 + 8, -1},
+    {"acoustic EQ bank 1 FIR coefficients: never loaded", kAeq1 + 304, 61320, 0},
+    {"brio high-pass coefficients: rebuilt where the loader does not read", 61324, 61364, kPattern},
+};
+
+TEST(CoefConvert, WholeRecordRoundTrip) {
+  Record first = scribbledRecord();
   HeronSettings s;
-  QuillHeron_v1_1_Pb conv(48000);
-  conv.convert((*rec).aeq, &s);
+  QuillHeron_v1_1_Pb conv(kRate);
+  EXPECT_TRUE(conv.convert(*first, &s, true));  // also stamps the rate into the room and EQ headers
+  Record second;
+  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_USB, s, *second, false, {}, 14), 0);
+  std::size_t i = 0;
+  for (const Difference& d : kDifferences) {
+    for (; i < d.from; ++i) ASSERT_EQ(second.bytes()[i], first.bytes()[i]) << "byte " << i;
+    for (; i < d.to; ++i) ASSERT_EQ(second.bytes()[i], d.fill < 0 ? 0xFF : d.fill) << d.why << ", byte " << i;
+  }
+  for (; i < coeftest::kRecordBytes; ++i) ASSERT_EQ(second.bytes()[i], first.bytes()[i]) << "byte " << i;
+}
+
+std::vector<std::int32_t> words(const Record& rec, std::size_t at, int n) {
+  std::vector<std::int32_t> v;
+  for (int i = 0; i < n; ++i) v.push_back(rec.i32(at + 4 * i));
+  return v;
+}
+std::vector<std::int32_t> list(const google::protobuf::RepeatedField<std::int32_t>& f) {
+  return std::vector<std::int32_t>(f.begin(), f.end());
+}
+
+TEST(CoefConvert, RebuiltMessages) {
+  Record rec = scribbledRecord();
+  HeronSettings s;
+  s.mutable_postmix()->mutable_hpf_coef()->set_cutoff(120);  // cleared with the rest of Postmix
+  QuillHeron_v1_1_Pb conv(kRate);
+  conv.convert(*rec, &s, true);
   const auto& pm = s.postmix();
-  ASSERT_EQ(pm.model().aeqs_size(), 1);
-  ASSERT_EQ(pm.aeqcoef_size(), 1);
-  EXPECT_EQ(pm.aeqcoef(0).uuid(), kNull);
+  // Rooms (front, wide, multichannel) and the headphone EQ: named as rebuilt,
+  // identified by their record bytes in lower-case 8-4-4-4-12 text.
+  const std::size_t kIds[4] = {33328, 45668, 488, 58008};
+  for (int i = 0; i < 4; ++i) {
+    const auto& m = i < 3 ? pm.model().rooms(i).uuid() : pm.model().headphones(0).uuid();
+    const auto& name = i < 3 ? pm.model().rooms(i).name() : pm.model().headphones(0).name();
+    std::string want;
+    for (int k = 0; k < 16; ++k) {
+      char hex[3];
+      std::snprintf(hex, sizeof hex, "%02x", rec.bytes()[kIds[i] + k]);
+      want += std::string(k == 4 || k == 6 || k == 8 || k == 10 ? "-" : "") + hex;
+    }
+    EXPECT_EQ(m, want) << i;
+    EXPECT_EQ(name, "From Heron STU") << i;
+  }
+  for (const std::string* uuid : {&pm.hpf_coef().uuid(), &pm.brio_hpf_coef().uuid(), &pm.brio_xover_coef().uuid(),
+                                  &pm.thumpx_coef().uuid(), &pm.aeqcoef(0).uuid(), &pm.model().aeqs(0).uuid()}) {
+    EXPECT_EQ(*uuid, kNull);
+  }
+  EXPECT_FALSE(pm.hpf_coef().has_cutoff());
+  EXPECT_FALSE(pm.brio_xover_coef().has_cutoff());
+  EXPECT_EQ(pm.hpf_coef().coeffs(0).samplerate(), kRate);
+  EXPECT_EQ(pm.mbhl_coef().mid_cross_coeffs().samplerate(), kRate);
+
+  // The stereo-enhancer high-pass goes to coeff_32, sign-extended.
+  const auto& brio = pm.brio_hpf_coef().hpf_coeffs(0);
+  EXPECT_EQ(brio.coeff_16_size(), 0);
+  ASSERT_EQ(brio.coeff_32_size(), 20);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(brio.coeff_32(i), static_cast<std::int16_t>(rec.u16(61324 + 2 * i))) << i;
+
+  // Acoustic EQ: both banks with IIR and FIR tables at full length.
   const auto& aeq = pm.model().aeqs(0);
-  EXPECT_EQ(aeq.uuid(), kNull);
   EXPECT_EQ(aeq.channel_mask(), 3);
   ASSERT_EQ(aeq.coefficient_table_size(), 2);
-  const std::int32_t orders[2][2] = {{10, 20}, {12, -1}};
   for (int b = 0; b < 2; ++b) {
     const auto& bank = aeq.coefficient_table(b);
-    const std::size_t at = 58632 + 1344 * b;
-    EXPECT_EQ(bank.iirorder(), orders[b][0]);
-    EXPECT_EQ(bank.firorder(), orders[b][1]);
-    ASSERT_EQ(bank.iircoefs_size(), 1);
-    ASSERT_EQ(bank.fircoefs_size(), 1);
-    EXPECT_EQ(bank.iircoefs(0).samplerate(), 48000);
-    EXPECT_EQ(bank.fircoefs(0).samplerate(), 48000);
-    EXPECT_EQ(list(bank.iircoefs(0).coeff_32()), words(rec, at + 8, 74));
+    const std::size_t at = b == 0 ? kAeq0 : kAeq1;
+    EXPECT_EQ(bank.iirorder(), rec.i32(at));
+    EXPECT_EQ(bank.firorder(), rec.i32(at + 4));
+    EXPECT_EQ(bank.fircoefs(0).samplerate(), kRate);
     EXPECT_EQ(list(bank.fircoefs(0).coeff_32()), words(rec, at + 304, 260));
   }
 
-  Record back;
-  EXPECT_EQ(conv.LoadAeq(quill::pb::hub::AR_OUT_USB, pm, {&pm.model()}, *back), 0);
-  for (int b = 0; b < 2; ++b) {
-    const std::size_t at = 58632 + 1344 * b;
-    EXPECT_EQ(back.i32(at), orders[b][0]);
-    EXPECT_EQ(back.i32(at + 4), -1);
-    EXPECT_EQ(0, std::memcmp(back.bytes() + at + 8, rec.bytes() + at + 8, 296));
-    for (int i = 0; i < 260; ++i) ASSERT_EQ(back.i32(at + 304 + 4 * i), 0);
-  }
+  // A second coefficient convert appends a second bass table; each single
+  // crossover table is rebuilt, not extended.
+  conv.convert((*rec).thumpx, &s);
+  conv.convert((*rec).mbhl, &s);
+  EXPECT_EQ(pm.thumpx_coef().coeffs_size(), 2);
+  EXPECT_EQ(pm.mbhl_coef().low_cross_coeffs().coeff_32_size(), 12);
 }
 
 }  // namespace

@@ -13,14 +13,7 @@
 
 namespace {
 
-using coeftest::expectHalves;
-using coeftest::expectWords;
-using coeftest::kPattern32;
-using coeftest::ramp;
-using coeftest::Record;
-using coeftest::setTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
+using namespace coeftest;
 
 constexpr std::size_t kHpf = 58548;
 constexpr std::size_t kBrioHpf = 61320;

@@ -25,6 +25,19 @@ constexpr std::uint16_t kPattern16 = 0xA5A5u;
 constexpr std::size_t kRecordBytes = 66108;
 
 using quill::pb::coef::CoefTable;
+using quill::pb::heron_v1_1::HeronSettings;
+using quill::pb::heron_v1_1::Postmix;
+using quill::pb::model::listeningModel;
+
+// Little-endian reads at a byte offset of any buffer.
+inline std::uint32_t le32(const void* p, std::size_t off) {
+  const std::uint8_t* b = static_cast<const std::uint8_t*>(p) + off;
+  return b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<std::uint32_t>(b[3]) << 24);
+}
+inline std::uint16_t le16(const void* p, std::size_t off) {
+  const std::uint8_t* b = static_cast<const std::uint8_t*>(p) + off;
+  return static_cast<std::uint16_t>(b[0] | (b[1] << 8));
+}
 
 // A postmix record whose every byte starts as kPattern, so writes show.
 struct Record {
@@ -33,15 +46,9 @@ struct Record {
   _quillHeronPostmixApiCtrlCoeffs& operator*() { return *rec; }
   const std::uint8_t* bytes() const { return reinterpret_cast<const std::uint8_t*>(rec.get()); }
   std::uint8_t* bytes() { return reinterpret_cast<std::uint8_t*>(rec.get()); }
-  std::uint32_t u32(std::size_t off) const {
-    const std::uint8_t* b = bytes() + off;
-    return b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<std::uint32_t>(b[3]) << 24);
-  }
+  std::uint32_t u32(std::size_t off) const { return le32(bytes(), off); }
   std::int32_t i32(std::size_t off) const { return static_cast<std::int32_t>(u32(off)); }
-  std::uint16_t u16(std::size_t off) const {
-    const std::uint8_t* b = bytes() + off;
-    return static_cast<std::uint16_t>(b[0] | (b[1] << 8));
-  }
+  std::uint16_t u16(std::size_t off) const { return le16(bytes(), off); }
   float f32(std::size_t off) const {
     const std::uint32_t u = u32(off);
     float f;
@@ -55,13 +62,6 @@ struct Record {
     bytes()[off] = static_cast<std::uint8_t>(v);
     bytes()[off + 1] = static_cast<std::uint8_t>(v >> 8);
   }
-  // True when bytes [from, to) all still hold the pattern.
-  bool untouched(std::size_t from, std::size_t to) const {
-    for (std::size_t i = from; i < to; ++i) {
-      if (bytes()[i] != kPattern) return false;
-    }
-    return true;
-  }
   // Index of the first byte in [from, to) that differs from the pattern, or `to`.
   std::size_t firstWritten(std::size_t from, std::size_t to) const {
     for (std::size_t i = from; i < to; ++i) {
@@ -69,16 +69,14 @@ struct Record {
     }
     return to;
   }
+  // True when bytes [from, to) all still hold the pattern.
+  bool untouched(std::size_t from, std::size_t to) const { return firstWritten(from, to) == to; }
 };
 
-// Same helpers over any plain buffer.
-inline std::uint32_t le32(const void* p, std::size_t off) {
-  const std::uint8_t* b = static_cast<const std::uint8_t*>(p) + off;
-  return b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<std::uint32_t>(b[3]) << 24);
-}
-inline std::uint16_t le16(const void* p, std::size_t off) {
-  const std::uint8_t* b = static_cast<const std::uint8_t*>(p) + off;
-  return static_cast<std::uint16_t>(b[0] | (b[1] << 8));
+
+// A word buffer of `bytes` bytes (rounded down to words), pattern-filled.
+inline std::vector<int> patternWords(std::size_t bytes) {
+  return std::vector<int>(bytes / 4, static_cast<int>(kPattern32));
 }
 
 // Values base, base + step, ... (n of them).

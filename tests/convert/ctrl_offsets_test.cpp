@@ -1,148 +1,99 @@
-// Every bound scalar of the premix and postmix control records lands at its
-// byte offset (populate) and comes back from it (convert). Offsets below are
-// copied by hand from the record layouts, absolute within each record.
+// Every bound scalar and repeated field of the premix and postmix control
+// records lands at its byte offset (populate) and comes back from it
+// (convert). Offsets below are copied by hand from the record layouts,
+// absolute within each record. Lists are cut at their native array, element
+// i lands in its slot (the per-mode arrays in the engine's slot order), slots
+// past a short list keep their contents, and convert reads exactly the array
+// back in message order.
 #include <gtest/gtest.h>
 
 #include <google/protobuf/text_format.h>
-
 #include <set>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "QuillPbConvert_Heron_v1_1.h"
 #include "ctrl_test_util.h"
 
 namespace {
 
-using ctrltest::Row;
 using quill::pb::heron_v1_1::HeronSettings;
+using Int32List = google::protobuf::RepeatedField<int32_t>;
 
-const Row kPostmixRows[] = {
-    {"postmix.output_device", 0, 4},
-    {"postmix.postmix_gain", 4, 4},
-    {"postmix.hpf_enable", 8, 4},
-    {"postmix.limiter", 12, 4},
-    {"postmix.lyra_stereo_mode", 16, 4},
-    {"postmix.lyra_multi_ch", 20, 4},
-    {"postmix.dc_cut_enable", 96, 4},
-    {"postmix.limiter_master_vol", 120, 4},
-    {"postmix.bypass_gain", 124, 4},
-    // brio at 128; ova3d at 128
-    {"postmix.brio.ova3d.enable", 128, 4},
-    {"postmix.brio.ova3d.mode", 132, 4},
-    {"postmix.brio.ova3d.hp_enable", 136, 4},
-    {"postmix.brio.ova3d.hi_bit_rate", 140, 4},
-    {"postmix.brio.ova3d.input_gain", 144, 2},
-    {"postmix.brio.ova3d.output_gain", 146, 2},
-    {"postmix.brio.ova3d.bypass_gain", 148, 2},
-    {"postmix.brio.ova3d.space_level", 150, 2},
-    {"postmix.brio.ova3d.center_level", 152, 2},
-    // vista at 156
-    {"postmix.brio.vista.enable", 156, 4},
-    {"postmix.brio.vista.hs_hpf_enable", 160, 4},
-    {"postmix.brio.vista.input_gain", 164, 2},
-    {"postmix.brio.vista.bypass_gain", 166, 2},
-    {"postmix.brio.vista.center_boost_level", 168, 2},
-    {"postmix.brio.vista.speaker_separation_level", 170, 2},
-    // thumpx at 172
-    {"postmix.brio.thumpx.enable", 172, 4},
-    {"postmix.brio.thumpx.mode", 176, 4},
-    {"postmix.brio.thumpx.bass_level", 180, 4},
-    {"postmix.brio.thumpx.speaker_size", 184, 4},
-    {"postmix.brio.thumpx.dynamics", 188, 4},
-    {"postmix.brio.thumpx.input_gain", 192, 2},
-    {"postmix.brio.enable", 196, 4},
-    {"postmix.brio.enhance_mode", 200, 4},
-    {"postmix.brio.crossover_enable", 204, 4},
-    {"postmix.brio.hpf_enable", 208, 4},
-    {"postmix.brio.def_enable", 212, 4},
-    {"postmix.brio.focus_enable", 216, 4},
-    {"postmix.brio.input_gain", 220, 2},
-    {"postmix.brio.output_gain", 222, 2},
-    {"postmix.brio.bypass_gain", 224, 2},
-    {"postmix.brio.def_level", 226, 2},
-    {"postmix.brio.focus_level", 228, 2},
-    // geq10b at 232
-    {"postmix.geq10b.enable", 232, 4},
-    {"postmix.geq10b.input_gain", 236, 2},
-    {"postmix.geq10b.band0_gain", 238, 2},
-    {"postmix.geq10b.band1_gain", 240, 2},
-    {"postmix.geq10b.band2_gain", 242, 2},
-    {"postmix.geq10b.band3_gain", 244, 2},
-    {"postmix.geq10b.band4_gain", 246, 2},
-    {"postmix.geq10b.band5_gain", 248, 2},
-    {"postmix.geq10b.band6_gain", 250, 2},
-    {"postmix.geq10b.band7_gain", 252, 2},
-    {"postmix.geq10b.band8_gain", 254, 2},
-    {"postmix.geq10b.band9_gain", 256, 2},
-    // aeq at 260
-    {"postmix.aeq.enable", 260, 4},
-    {"postmix.aeq.input_gain", 264, 2},
-    {"postmix.aeq.output_gain", 266, 2},
-    {"postmix.aeq.bypass_gain", 268, 2},
-    // enhance2 at 272
-    {"postmix.enhance2.mode", 272, 4},
-    {"postmix.enhance2.mv_downstream", 276, 4},
-    {"postmix.enhance2.master_volume", 280, 4},
-    {"postmix.enhance2.target_spl", 284, 4},
-    {"postmix.enhance2.system_spl", 288, 4},
-    {"postmix.enhance2.system_calib_level", 292, 4},
-    {"postmix.enhance2.hi_freq_compensation", 296, 4},
-    {"postmix.enhance2.lo_freq_compensation", 300, 4},
-    {"postmix.enhance2.content_dr", 360, 4},
-    {"postmix.enhance2.max_lf_boost", 364, 4},
-    // lyra at 368
-    {"postmix.lyra.downmix", 368, 4},
-    {"postmix.lyra.super_stereo", 372, 4},
-    {"postmix.lyra.input_gain", 376, 4},
-    {"postmix.lyra.bypass_reverb", 380, 4},
-    {"postmix.lyra.bypass_conv", 384, 4},
-    {"postmix.lyra.bypass_hpeq", 388, 4},
-    // mbhl at 408
-    {"postmix.mbhl.enable", 408, 4},
-    {"postmix.mbhl.output_gain", 412, 2},
-    {"postmix.mbhl.anti_clip_level", 414, 2},
-    {"postmix.mbhl.com_attack", 416, 4},
-    {"postmix.mbhl.low_decay", 420, 4},
-    {"postmix.mbhl.mid_decay", 424, 4},
-    {"postmix.mbhl.high_decay", 428, 4},
-    {"postmix.mbhl.low_ratio", 432, 4},
-    {"postmix.mbhl.mid_ratio", 436, 4},
-    {"postmix.mbhl.high_ratio", 440, 4},
-    {"postmix.mbhl.mode", 444, 4},
-    {"postmix.mbhl.boost", 448, 4},
-    {"postmix.mbhl.low_cross", 452, 4},
-    {"postmix.mbhl.mid_cross", 456, 4},
-    {"postmix.mbhl.low_thresh", 460, 4},
-    {"postmix.mbhl.mid_thresh", 464, 4},
-    {"postmix.mbhl.high_thresh", 468, 4},
-    {"postmix.mbhl.low_makeup", 472, 4},
-    {"postmix.mbhl.mid_makeup", 476, 4},
-    {"postmix.mbhl.high_makeup", 480, 4},
-    {"postmix.mbhl.dist_prev_enable", 484, 4},
+// Runs of consecutive fields of one width: the first field's offset, then
+// each next field right after the previous one.
+struct Run {
+  const char* block;  // path prefix
+  std::size_t offset;
+  int width;
+  const char* fields;  // space-separated
 };
 
-const Row kPremixRows[] = {
-    {"premix.steady.enable", 0, 4},
-    {"premix.steady.intensity_level", 4, 4},
-    {"premix.steady.mode", 8, 4},
-    {"premix.steady.input_gain", 12, 2},
-    {"premix.steady.output_gain", 14, 2},
-    {"premix.steady.lkfs_gain", 16, 2},
-    {"premix.enhance2.mode", 20, 4},
-    {"premix.enhance2.mv_downstream", 24, 4},
-    {"premix.enhance2.master_volume", 28, 4},
-    {"premix.enhance2.target_spl", 32, 4},
-    {"premix.enhance2.system_spl", 36, 4},
-    {"premix.enhance2.system_calib_level", 40, 4},
-    {"premix.enhance2.hi_freq_compensation", 44, 4},
-    {"premix.enhance2.lo_freq_compensation", 48, 4},
-    {"premix.enhance2.content_dr", 108, 4},
-    {"premix.enhance2.max_lf_boost", 112, 4},
-    {"premix.output_device", 116, 4},
-    {"premix.stream_gain", 120, 4},
-    {"premix.stream_gain_downstream", 144, 4},
-    {"premix.headroom_limit", 148, 4},
-    {"premix.headroom_ratio", 152, 4},
+const Run kPostmixRuns[] = {
+    {"postmix.", 0, 4, "output_device postmix_gain hpf_enable limiter lyra_stereo_mode lyra_multi_ch"},
+    {"postmix.", 96, 4, "dc_cut_enable"},
+    {"postmix.", 120, 4, "limiter_master_vol bypass_gain"},
+    {"postmix.brio.ova3d.", 128, 4, "enable mode hp_enable hi_bit_rate"},
+    {"postmix.brio.ova3d.", 144, 2, "input_gain output_gain bypass_gain space_level center_level"},
+    {"postmix.brio.vista.", 156, 4, "enable hs_hpf_enable"},
+    {"postmix.brio.vista.", 164, 2, "input_gain bypass_gain center_boost_level speaker_separation_level"},
+    {"postmix.brio.thumpx.", 172, 4, "enable mode bass_level speaker_size dynamics"},
+    {"postmix.brio.thumpx.", 192, 2, "input_gain"},
+    {"postmix.brio.", 196, 4, "enable enhance_mode crossover_enable hpf_enable def_enable focus_enable"},
+    {"postmix.brio.", 220, 2, "input_gain output_gain bypass_gain def_level focus_level"},
+    {"postmix.geq10b.", 232, 4, "enable"},
+    {"postmix.geq10b.", 236, 2,
+     "input_gain band0_gain band1_gain band2_gain band3_gain band4_gain band5_gain band6_gain band7_gain "
+     "band8_gain band9_gain"},
+    {"postmix.aeq.", 260, 4, "enable"},
+    {"postmix.aeq.", 264, 2, "input_gain output_gain bypass_gain"},
+    {"postmix.enhance2.", 272, 4,
+     "mode mv_downstream master_volume target_spl system_spl system_calib_level hi_freq_compensation "
+     "lo_freq_compensation"},
+    {"postmix.enhance2.", 360, 4, "content_dr max_lf_boost"},
+    {"postmix.lyra.", 368, 4, "downmix super_stereo input_gain bypass_reverb bypass_conv bypass_hpeq"},
+    {"postmix.mbhl.", 408, 4, "enable"},
+    {"postmix.mbhl.", 412, 2, "output_gain anti_clip_level"},
+    {"postmix.mbhl.", 416, 4,
+     "com_attack low_decay mid_decay high_decay low_ratio mid_ratio high_ratio mode boost low_cross mid_cross "
+     "low_thresh mid_thresh high_thresh low_makeup mid_makeup high_makeup dist_prev_enable"},
 };
+
+const Run kPremixRuns[] = {
+    {"premix.steady.", 0, 4, "enable intensity_level mode"},
+    {"premix.steady.", 12, 2, "input_gain output_gain lkfs_gain"},
+    {"premix.enhance2.", 20, 4,
+     "mode mv_downstream master_volume target_spl system_spl system_calib_level hi_freq_compensation "
+     "lo_freq_compensation"},
+    {"premix.enhance2.", 108, 4, "content_dr max_lf_boost"},
+    {"premix.", 116, 4, "output_device stream_gain"},
+    {"premix.", 144, 4, "stream_gain_downstream headroom_limit headroom_ratio"},
+};
+
+// One row per field of the runs.
+struct Field {
+  std::string path;
+  std::size_t offset;
+  int width;
+};
+
+template <std::size_t N>
+std::vector<Field> expand(const Run (&runs)[N]) {
+  std::vector<Field> rows;
+  for (const Run& r : runs) {
+    std::size_t at = r.offset;
+    std::istringstream names(r.fields);
+    for (std::string name; names >> name;) {
+      rows.push_back({std::string(r.block) + name, at, r.width});
+      at += r.width;
+    }
+  }
+  return rows;
+}
+
+const std::vector<Field> kPostmixRows = expand(kPostmixRuns);
+const std::vector<Field> kPremixRows = expand(kPremixRuns);
 
 // Distinct per row. int32 rows alternate sign; int16 rows carry high bits
 // that must be dropped and a low half with the sign bit set.
@@ -158,12 +109,12 @@ int32_t convertedValue(std::size_t k, int width) {
   return width == 2 ? int32_t(int16_t(nativeBits(k, width))) : messageValue(k, width);
 }
 
-template <class Record, std::size_t N>
-void expectPopulated(const Record& rec, const Row (&rows)[N],
+template <class Record>
+void expectPopulated(const Record& rec, const std::vector<Field>& rows,
                      const std::set<std::size_t>& alsoWritten) {
   std::set<std::size_t> covered = alsoWritten;
-  for (std::size_t k = 0; k < N; ++k) {
-    const Row& r = rows[k];
+  for (std::size_t k = 0; k < rows.size(); ++k) {
+    const Field& r = rows[k];
     const uint32_t got = r.width == 4 ? ctrltest::le32(&rec, r.offset)
                                       : ctrltest::le16(&rec, r.offset);
     EXPECT_EQ(got, nativeBits(k, r.width)) << r.path << " at " << r.offset;
@@ -177,9 +128,8 @@ void expectPopulated(const Record& rec, const Row (&rows)[N],
 }
 
 // Every row present with its value; `zero`: the record held zeros.
-template <std::size_t N>
-void expectConverted(const HeronSettings& s, const Row (&rows)[N], bool zero) {
-  for (std::size_t k = 0; k < N; ++k) {
+void expectConverted(const HeronSettings& s, const std::vector<Field>& rows, bool zero) {
+  for (std::size_t k = 0; k < rows.size(); ++k) {
     bool present = false;
     const int32_t v = ctrltest::getByPath(s, rows[k].path, &present);
     EXPECT_TRUE(present) << rows[k].path;
@@ -187,9 +137,9 @@ void expectConverted(const HeronSettings& s, const Row (&rows)[N], bool zero) {
   }
 }
 
-template <class Record, std::size_t N>
-void writeNative(Record& rec, const Row (&rows)[N]) {
-  for (std::size_t k = 0; k < N; ++k) {
+template <class Record>
+void writeNative(Record& rec, const std::vector<Field>& rows) {
+  for (std::size_t k = 0; k < rows.size(); ++k) {
     if (rows[k].width == 4) {
       ctrltest::putLe32(&rec, rows[k].offset, nativeBits(k, 4));
     } else {
@@ -201,10 +151,10 @@ void writeNative(Record& rec, const Row (&rows)[N]) {
 // One message holds both records' fields: each populate reads its own only.
 TEST(CtrlOffsets, PopulatePutsEachFieldAtItsOffset) {
   HeronSettings s;
-  for (std::size_t k = 0; k < std::size(kPostmixRows); ++k) {
+  for (std::size_t k = 0; k < kPostmixRows.size(); ++k) {
     ctrltest::setByPath(&s, kPostmixRows[k].path, messageValue(k, kPostmixRows[k].width));
   }
-  for (std::size_t k = 0; k < std::size(kPremixRows); ++k) {
+  for (std::size_t k = 0; k < kPremixRows.size(); ++k) {
     ctrltest::setByPath(&s, kPremixRows[k].path, messageValue(k, kPremixRows[k].width));
   }
   // Fields without a native slot: written anywhere, they would show.
@@ -271,6 +221,81 @@ TEST(CtrlOffsets, EmptyMessagesLeaveRecordsUntouched) {
     EXPECT_EQ(conv.populate(s, pre, false), 0);
     for (std::size_t i = 0; i < sizeof pre; ++i) {
       ASSERT_EQ(ctrltest::bytesOf(&pre)[i], ctrltest::kPattern) << "byte " << i;
+    }
+  }
+}
+
+// Native slot of each mode in HeronModeOrder (Multichannel, Front, Wide,
+// Stereo, Bypass, Downmix), from the record layout.
+constexpr int kModeSlots[6] = {4, 1, 2, 0, 3, 5};
+
+struct ArrayRow {
+  const char* name;
+  bool premix;  // else the postmix control record
+  Int32List* (*list)(HeronSettings&);
+  std::size_t offset;  // absolute in the record
+  int capacity;
+  const int* slot_of;  // native slot of element i; nullptr: slot i
+};
+
+const ArrayRow kArrays[] = {
+    {"premix bypass_mode", true, [](HeronSettings& s) { return s.mutable_premix()->mutable_bypass_mode(); }, 124, 5,
+     nullptr},
+    {"premix htest", true, [](HeronSettings& s) { return s.mutable_premix()->mutable_enhance2()->mutable_htest(); },
+     20 + 32, 7, nullptr},
+    {"premix ref_htest", true,
+     [](HeronSettings& s) { return s.mutable_premix()->mutable_enhance2()->mutable_ref_htest(); }, 20 + 60, 7, nullptr},
+    {"lyra_input_gain", false, [](HeronSettings& s) { return s.mutable_postmix()->mutable_lyra_input_gain(); }, 24, 6,
+     kModeSlots},
+    {"bypass_hpeq", false, [](HeronSettings& s) { return s.mutable_postmix()->mutable_bypass_hpeq(); }, 48, 6,
+     kModeSlots},
+    {"aeq_enable", false, [](HeronSettings& s) { return s.mutable_postmix()->mutable_aeq_enable(); }, 72, 6,
+     kModeSlots},
+    {"postmix bypass_mode", false, [](HeronSettings& s) { return s.mutable_postmix()->mutable_bypass_mode(); }, 100, 5,
+     nullptr},
+    {"postmix htest", false,
+     [](HeronSettings& s) { return s.mutable_postmix()->mutable_enhance2()->mutable_htest(); }, 272 + 32, 7, nullptr},
+    {"postmix ref_htest", false,
+     [](HeronSettings& s) { return s.mutable_postmix()->mutable_enhance2()->mutable_ref_htest(); }, 272 + 60, 7,
+     nullptr},
+};
+
+// Element i of the list. Elements past the array are negative: a negative
+// ref_htest that were read would fail the postmix populate.
+int32_t value(int i, int capacity) { return i < capacity ? 10 + i : -(10 + i); }
+
+TEST(CtrlArrays, ListsAreCutAtTheArrayAndReadBackInMessageOrder) {
+  const uint32_t P = 0xA5A5A5A5u;
+  QuillHeron_v1_1_Pb conv(48000);
+  for (const ArrayRow& row : kArrays) {
+    for (int n : {row.capacity + 2, 2}) {
+      SCOPED_TRACE(testing::Message() << row.name << ", " << n << " values");
+      HeronSettings s;
+      for (int i = 0; i < n; ++i) row.list(s)->Add(value(i, row.capacity));
+      _quillHeronPremixApiCtrl pre;
+      _quillHeronPostmixApiCtrl post;
+      ctrltest::fillPattern(pre);
+      ctrltest::fillPattern(post);
+      EXPECT_EQ(row.premix ? conv.populate(s, pre, false) : conv.populate(s, post), 0);
+      const void* rec = row.premix ? static_cast<const void*>(&pre) : static_cast<const void*>(&post);
+
+      uint32_t want[7] = {P, P, P, P, P, P, P};
+      for (int i = 0; i < n && i < row.capacity; ++i) want[row.slot_of ? row.slot_of[i] : i] = uint32_t(10 + i);
+      for (int slot = 0; slot < row.capacity; ++slot) {
+        EXPECT_EQ(ctrltest::le32(rec, row.offset + 4 * slot), want[slot]) << "slot " << slot;
+      }
+      EXPECT_EQ(ctrltest::le32(rec, row.offset + 4 * row.capacity), P) << "the word after the array";
+
+      if (n < row.capacity) continue;
+      HeronSettings back;
+      if (row.premix) {
+        conv.convert(pre, &back);
+      } else {
+        conv.convert(post, &back);
+      }
+      const Int32List& got = *row.list(back);
+      ASSERT_EQ(got.size(), row.capacity);
+      for (int i = 0; i < row.capacity; ++i) EXPECT_EQ(got.Get(i), 10 + i) << i;
     }
   }
 }

@@ -79,14 +79,6 @@ inline int32_t getByPath(const google::protobuf::Message& root, const std::strin
   return m->GetReflection()->GetInt32(*m, f);
 }
 
-// One bound scalar: its message path, absolute byte offset in the record,
-// and native width in bytes (4 or 2).
-struct Row {
-  const char* path;
-  std::size_t offset;
-  int width;
-};
-
 }  // namespace ctrltest
 
 #endif  // QUILLHERON_TESTS_CONVERT_CTRL_TEST_UTIL_H_

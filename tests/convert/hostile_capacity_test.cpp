@@ -13,13 +13,8 @@
 
 namespace {
 
-using coeftest::kPattern32;
-using coeftest::ramp;
-using coeftest::Record;
-using coeftest::setTable;
+using namespace coeftest;
 using quill::pb::coef::MbhlDistPrevCoeff;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
 using Int32List = google::protobuf::RepeatedField<std::int32_t>;
 using FloatList = google::protobuf::RepeatedField<float>;
 

@@ -9,11 +9,9 @@
 
 namespace {
 
-using coeftest::ramp;
+using namespace coeftest;
 using quill::pb::coef::Aeq;
 using quill::pb::coef::FilterBank;
-using quill::pb::heron_v1_1::Postmix;
-using quill::pb::model::listeningModel;
 
 constexpr std::size_t kAeq = 58632;
 constexpr std::size_t kBank1 = kAeq + 1344;
@@ -52,40 +50,35 @@ TEST(ModelAeq, BankSelection) {
     const char* name;
     std::vector<std::vector<int>> bank_rates;  // IIR table rates per bank (tag = index + 1)
     int result;
-    bool bank1_used;                            // a second bank was selected
+    int selected;                               // banks selected (their order is written)
     std::vector<std::int32_t> bank0, bank1;     // expected IIR values
+    int order0 = -1, order1 = -1;               // stated IIR orders; -1: absent (24)
   };
   const Case kCases[] = {
-      {"two banks", {{44100, 48000}, {48000}}, 0, true, {100, 101, 102}, {200, 201, 202}},
-      {"three, first lacks the rate", {{44100}, {48000}, {48000}}, 0, true, {200, 201, 202}, {300, 301, 302}},
-      {"four, two with the rate", {{48000}, {32000}, {44100}, {48000}}, 0, true, {100, 101, 102}, {400, 401, 402}},
-      {"second bank lacks the rate", {{48000}, {44100}}, -998, true, {100, 101, 102}, {}},
-      {"first bank lacks the rate", {{44100}, {48000}}, -998, true, {}, {200, 201, 202}},
-      {"one bank", {{48000}}, -998, false, {100, 101, 102}, {}},
-      {"three, one with the rate", {{48000}, {44100}, {44100}}, -998, false, {100, 101, 102}, {}},
+      {"two banks", {{44100, 48000}, {48000}}, 0, 2, {100, 101, 102}, {200, 201, 202}},
+      {"three, first lacks the rate", {{44100}, {48000}, {48000}}, 0, 2, {200, 201, 202}, {300, 301, 302}},
+      {"four, two with the rate", {{48000}, {32000}, {44100}, {48000}}, 0, 2, {100, 101, 102}, {400, 401, 402}},
+      {"second bank lacks the rate", {{48000}, {44100}}, -998, 2, {100, 101, 102}, {}},
+      {"first bank lacks the rate", {{44100}, {48000}}, -998, 2, {}, {200, 201, 202}},
+      // Fewer than two banks: the missing one is a missing table.
+      {"one bank", {{48000}}, -998, 1, {100, 101, 102}, {}},
+      {"three, one with the rate", {{48000}, {44100}, {44100}}, -998, 1, {100, 101, 102}, {}},
+      {"no bank", {}, -998, 0, {}, {}},
+      {"stated orders, a present 0 kept", {{48000}, {48000}}, 0, 2, {100, 101, 102}, {200, 201, 202}, 0, 12},
   };
   for (const Case& c : kCases) {
     listeningModel m;
     Aeq* aeq = addAeq(&m, kId);
-    for (std::size_t i = 0; i < c.bank_rates.size(); ++i) addBank(aeq, c.bank_rates[i], static_cast<int>(i) + 1);
+    for (std::size_t i = 0; i < c.bank_rates.size(); ++i) {
+      addBank(aeq, c.bank_rates[i], static_cast<int>(i) + 1, i == 0 ? c.order0 : i == 1 ? c.order1 : -1);
+    }
     coeftest::Record rec;
     EXPECT_EQ(QuillPb::loadAeq(quill::pb::hub::AR_OUT_ATTACHED0, kId, {&m}, &(*rec).aeq, 48000), c.result) << c.name;
-    expectBank(rec, kAeq, 24, c.bank0, c.name);
-    expectBank(rec, kBank1, c.bank1_used ? 24 : 0, c.bank1, c.name);
+    expectBank(rec, kAeq, c.selected > 0 ? (c.order0 < 0 ? 24 : c.order0) : 0, c.bank0, c.name);
+    expectBank(rec, kBank1, c.selected > 1 ? (c.order1 < 0 ? 24 : c.order1) : 0, c.bank1, c.name);
     EXPECT_TRUE(rec.untouched(kAeq - 16, kAeq)) << c.name;
     EXPECT_TRUE(rec.untouched(kAeq + 2688, kAeq + 2688 + 16)) << c.name;
   }
-}
-
-TEST(ModelAeq, Orders) {
-  listeningModel m;
-  Aeq* aeq = addAeq(&m, kId);
-  addBank(aeq, {48000}, 1, /*order=*/0);   // a present 0 is kept
-  addBank(aeq, {48000}, 2, /*order=*/12);
-  coeftest::Record rec;
-  ASSERT_EQ(QuillPb::loadAeq(quill::pb::hub::AR_OUT_ATTACHED0, kId, {&m}, &(*rec).aeq, 48000), 0);
-  expectBank(rec, kAeq, 0, {100, 101, 102}, "order 0");
-  expectBank(rec, kBank1, 12, {200, 201, 202}, "order 12");
 }
 
 TEST(ModelAeq, LookupFailuresLeaveTheRecord) {

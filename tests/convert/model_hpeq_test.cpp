@@ -1,5 +1,5 @@
 // Headphone equalisers: the native record, the 128-tap truncation, route
-// filtering across models, and the rebuild from a record.
+// filtering across models. The rebuild from a record: coef_convert_test.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -9,17 +9,11 @@
 
 namespace {
 
-using coeftest::CoefTable;
-using coeftest::le16;
-using coeftest::le32;
+using namespace coeftest;
 using quill::pb::hub::AudioRoute;
 using quill::pb::model::headphoneEq;
-using quill::pb::model::listeningModel;
 
-constexpr std::uint32_t kFill = 0xA5A5A5A5u;
 const char kId[] = "0f0e0d0c-0b0a-0908-0706-050403020100";
-
-std::vector<int> buffer(std::size_t bytes) { return std::vector<int>(bytes / 4, static_cast<int>(kFill)); }
 
 headphoneEq* addHpeq(listeningModel* m, const std::string& uuid, std::vector<AudioRoute> routes,
                      std::int32_t tag) {
@@ -36,7 +30,7 @@ TEST(ModelHpeq, RecordLayout) {
   h.set_uuid(kId);
   h.set_ihpirlength(3);
   coeftest::setTable(h.add_coefftables(), 48000, {}, {7, 8, 1, 2, 3, -1, -2, 65536 + 3});
-  std::vector<int> rec = buffer(540);
+  std::vector<int> rec = patternWords(540);
   ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), 540, 48000), 0);
   const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
   for (int i = 0; i < 16; ++i) EXPECT_EQ(b[i], 15 - i) << i;
@@ -44,9 +38,15 @@ TEST(ModelHpeq, RecordLayout) {
   EXPECT_EQ(le32(b, 20), 3u);
   const std::uint16_t expect[8] = {7, 8, 1, 2, 3, 0xFFFF, 0xFFFE, 3};
   for (int i = 0; i < 8; ++i) EXPECT_EQ(le16(b, 24 + 2 * i), expect[i]) << i;
-  EXPECT_EQ(le32(b, 40), kFill);
+  EXPECT_EQ(le32(b, 40), kPattern32);
   EXPECT_EQ(QuillPb::sizeofHpeq(&h, 48000), 40u);
   EXPECT_EQ(QuillPb::sizeofHpeq(&h, 44100), 0u);
+  // A region too small for the 24-byte header: -997, nothing written.
+  for (unsigned int capacity : {0u, 4u, 23u}) {
+    std::vector<int> small = patternWords(64);
+    EXPECT_EQ(QuillPb::loadHpeq(&h, small.data(), capacity, 48000), -997) << capacity;
+    for (int w : small) EXPECT_EQ(static_cast<std::uint32_t>(w), kPattern32) << capacity;
+  }
 }
 
 // Which source value lands in each record slot. Up to 128 stated taps the
@@ -91,7 +91,7 @@ TEST(ModelHpeq, TruncationTable) {
         source[2 + c.kept + j] = c.ch2 + j;
       }
     }
-    std::vector<int> rec = buffer(c.capacity + 20);
+    std::vector<int> rec = patternWords(c.capacity + 20);
     ASSERT_EQ(QuillPb::loadHpeq(&h, rec.data(), c.capacity, 44100), 0);
     EXPECT_EQ(le32(rec.data(), 20), c.stored_ihpir);
     for (int k = 0; k < slots + 8; ++k) {
@@ -125,37 +125,13 @@ TEST(ModelHpeq, RouteFilteringAcrossModels) {
       {quill::pb::hub::AR_OUT_USB, "ffffffff-0000-0000-0000-000000000000", 1, -1},
   };
   for (const Case& k : kCases) {
-    std::vector<int> rec = buffer(540);
+    std::vector<int> rec = patternWords(540);
     EXPECT_EQ(QuillPb::processHpeqData(k.route, k.uuid, models, rec.data(), 540, 48000), k.result) << k.route;
     EXPECT_EQ(le16(rec.data(), 24), k.tag < 0 ? 0xA5A5 : k.tag) << k.route << " " << k.uuid;
   }
-  std::vector<int> rec = buffer(540);
+  std::vector<int> rec = patternWords(540);
   EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_USB, kId, {}, rec.data(), 540, 48000), 1);
   EXPECT_EQ(QuillPb::processHpeqData(quill::pb::hub::AR_OUT_LINEOUT, kId, models, rec.data(), 540, 32000), -998);
-}
-
-TEST(ModelHpeq, RebuildFromRecord) {
-  coeftest::Record rec;
-  for (int i = 0; i < 16; ++i) rec.bytes()[58008 + i] = static_cast<std::uint8_t>(0xF0 + i);
-  rec.put32(58008 + 16, 44100);
-  rec.put32(58008 + 20, 128);
-  rec.put16(58032, 0x8000);
-  rec.put16(58032 + 2 * 257, 0x7FFF);
-  listeningModel model;
-  quill::pb::hub::ResourceLocator locator;
-  QuillHeron_v1_1_Pb::_addHpeq(&model, &(*rec).hpeq, 540, &locator);
-  ASSERT_EQ(model.headphones_size(), 1);
-  const headphoneEq& h = model.headphones(0);
-  EXPECT_EQ(h.uuid(), "f0f1f2f3-f4f5-f6f7-f8f9-fafbfcfdfeff");
-  EXPECT_EQ(locator.uuid(), h.uuid());
-  EXPECT_EQ(h.name(), "From Heron STU");
-  EXPECT_EQ(h.ihpirlength(), 128u);
-  ASSERT_EQ(h.coefftables_size(), 1);
-  EXPECT_EQ(h.coefftables(0).samplerate(), 44100);
-  ASSERT_EQ(h.coefftables(0).coeff_16_size(), 258);
-  EXPECT_EQ(h.coefftables(0).coeff_16(0), -32768);
-  EXPECT_EQ(h.coefftables(0).coeff_16(257), 32767);
-  EXPECT_EQ(h.coefftables(0).coeff_16(1), static_cast<std::int16_t>(0xA5A5));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Room models: the native room record byte for byte, the capacity edge,
-// resolution order and identifier matching, and the rebuild from records.
+// resolution order and identifier matching. The rebuild from records:
+// coef_convert_test.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -9,17 +10,10 @@
 
 namespace {
 
-using coeftest::CoefTable;
-using coeftest::le16;
-using coeftest::le32;
-using quill::pb::model::listeningModel;
+using namespace coeftest;
 using quill::pb::model::roomModel;
 
-constexpr std::uint32_t kFill = 0xA5A5A5A5u;
 const char kRoomId[] = "00112233-4455-6677-8899-aabbccddeeff";
-
-// A word buffer of `bytes` bytes, pattern-filled.
-std::vector<int> buffer(std::size_t bytes) { return std::vector<int>(bytes / 4, static_cast<int>(kFill)); }
 
 roomModel* addRoom(listeningModel* m, const std::string& uuid, int rate, const std::vector<std::int32_t>& c16) {
   roomModel* r = m->add_rooms();
@@ -39,7 +33,7 @@ TEST(ModelRooms, RecordLayout) {
   coeftest::setTable(room.add_coefftables(), 44100, {}, {9, 9, 9, 9, 9, 9});
   coeftest::setTable(room.add_coefftables(), 48000, {}, {1, -1, 70000, -32769});
 
-  std::vector<int> rec = buffer(12340);
+  std::vector<int> rec = patternWords(12340);
   ASSERT_EQ(QuillPb::loadRoom(&room, rec.data(), 12340, 48000), 0);
   const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
   const std::uint8_t uuid[16] = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77,
@@ -55,7 +49,7 @@ TEST(ModelRooms, RecordLayout) {
   EXPECT_EQ(le16(b, 42), 0xFFFF);
   EXPECT_EQ(le16(b, 44), 4464);    // 70000 keeps its low 16 bits
   EXPECT_EQ(le16(b, 46), 0x7FFF);  // -32769 likewise
-  EXPECT_EQ(le32(b, 48), kFill);   // nothing past the coefficients
+  EXPECT_EQ(le32(b, 48), kPattern32);   // nothing past the coefficients
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 48000), 48u);
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 44100), 52u);
   EXPECT_EQ(QuillPb::sizeofRoom(&room, 32000), 0u);
@@ -72,6 +66,8 @@ TEST(ModelRooms, CapacityAndTableFailures) {
       {6150, false, 12340, 0},  {6151, false, 12340, -997}, {16400, false, 32840, 0},
       {16401, false, 32840, -997}, {0, false, 12340, -998}, {-1, false, 12340, -998},
       {4, true, 12340, -998},
+      // Regions too small for the 40-byte header.
+      {4, false, 0, -997},  {4, false, 4, -997}, {4, false, 23, -997},
   };
   for (const Case& c : kCases) {
     roomModel room;
@@ -79,16 +75,16 @@ TEST(ModelRooms, CapacityAndTableFailures) {
     CoefTable* t = room.add_coefftables();
     if (!c.rateless) t->set_samplerate(c.taps < 0 ? 44100 : 48000);
     for (int i = 0; i < c.taps; ++i) t->add_coeff_16(i + 1);
-    std::vector<int> rec = buffer(c.capacity + 8);  // guard words after the capacity
+    std::vector<int> rec = patternWords(c.capacity + 8);  // guard words after the capacity
     const int rate = c.rateless ? 0 : 48000;
     EXPECT_EQ(QuillPb::loadRoom(&room, rec.data(), c.capacity, rate), c.result) << c.taps;
     const std::uint8_t* b = reinterpret_cast<const std::uint8_t*>(rec.data());
     if (c.result == 0) {
       EXPECT_EQ(le16(b, 40 + 2 * (c.taps - 1)), static_cast<std::uint16_t>(c.taps)) << c.taps;
     } else {
-      for (std::size_t i = 0; i < rec.size(); ++i) ASSERT_EQ(static_cast<std::uint32_t>(rec[i]), kFill) << c.taps;
+      for (std::size_t i = 0; i < rec.size(); ++i) ASSERT_EQ(static_cast<std::uint32_t>(rec[i]), kPattern32) << c.taps;
     }
-    EXPECT_EQ(le32(b, c.capacity), kFill) << "guard after " << c.taps;
+    EXPECT_EQ(le32(b, c.capacity), kPattern32) << "guard after " << c.taps;
   }
 }
 
@@ -117,76 +113,13 @@ TEST(ModelRooms, ResolutionOrder) {
       {kRoomId, -998, -1},  // not "not found"
   };
   for (const Case& c : kCases) {
-    std::vector<int> rec = buffer(12340);
+    std::vector<int> rec = patternWords(12340);
     EXPECT_EQ(QuillPb::processRoomData(c.uuid, models, rec.data(), 12340, 48000), c.result) << c.uuid;
     const std::uint16_t expect = c.first_coeff < 0 ? 0xA5A5 : static_cast<std::uint16_t>(c.first_coeff);
     EXPECT_EQ(le16(rec.data(), 40), expect) << c.uuid;
   }
-  std::vector<int> rec = buffer(12340);
+  std::vector<int> rec = patternWords(12340);
   EXPECT_EQ(QuillPb::processRoomData(kRoomId, {}, rec.data(), 12340, 48000), -999);
-}
-
-TEST(ModelRooms, RebuildFromRecord) {
-  roomModel room;
-  room.set_uuid("DEADBEEF-0001-0203-0405-060708090A0B");
-  room.set_channelmask(3);
-  room.set_numpairs(2);
-  room.set_brirlength(8);
-  room.set_reverbgain(-100);
-  room.set_reverbcut(7);
-  coeftest::setTable(room.add_coefftables(), 32000, {}, {-2, 32767, -32768, 5});
-  std::vector<int> rec(12, 0);
-  ASSERT_EQ(QuillPb::loadRoom(&room, rec.data(), 48, 32000), 0);
-
-  listeningModel model;
-  quill::pb::hub::ResourceLocator locator;
-  QuillHeron_v1_1_Pb::_addRoom(&model, reinterpret_cast<const _quillHpcLyraRmData*>(rec.data()), 48, &locator);
-  ASSERT_EQ(model.rooms_size(), 1);
-  const roomModel& back = model.rooms(0);
-  EXPECT_EQ(back.uuid(), "deadbeef-0001-0203-0405-060708090a0b");
-  EXPECT_EQ(locator.uuid(), back.uuid());
-  EXPECT_EQ(back.name(), "From Heron STU");
-  EXPECT_EQ(back.channelmask(), 3u);
-  EXPECT_EQ(back.numpairs(), 2u);
-  EXPECT_EQ(back.brirlength(), 8u);
-  EXPECT_EQ(back.reverbgain(), -100);
-  EXPECT_EQ(back.reverbcut(), 7u);
-  ASSERT_EQ(back.coefftables_size(), 1);
-  EXPECT_EQ(back.coefftables(0).samplerate(), 32000);
-  const std::vector<std::int32_t> coeffs(back.coefftables(0).coeff_16().begin(), back.coefftables(0).coeff_16().end());
-  EXPECT_EQ(coeffs, (std::vector<std::int32_t>{-2, 32767, -32768, 5}));
-}
-
-// The reverse path stamps the converter's rate into all three room records and
-// emits front, wide, then multichannel at full capacity.
-TEST(ModelRooms, ProcessRoomModels) {
-  coeftest::Record rec;
-  rec.put16(33368, 0xFFFE);           // front room, first coefficient
-  rec.put16(45708 + 2 * 6149, 0x0102);  // wide room, last coefficient
-  quill::pb::heron_v1_1::HeronSettings settings;
-  QuillHeron_v1_1_Pb conv(44100);
-  conv.processRoomModels(*rec, &settings);
-
-  EXPECT_EQ(rec.u32(488 + 28), 44100u);
-  EXPECT_EQ(rec.u32(33328 + 28), 44100u);
-  EXPECT_EQ(rec.u32(45668 + 28), 44100u);
-  const auto& pm = settings.postmix();
-  ASSERT_EQ(pm.model().rooms_size(), 3);
-  ASSERT_EQ(pm.frontroom_size(), 1);
-  ASSERT_EQ(pm.wideroom_size(), 1);
-  ASSERT_EQ(pm.multichroom_size(), 1);
-  const int sizes[3] = {6150, 6150, 16400};
-  for (int i = 0; i < 3; ++i) {
-    const roomModel& r = pm.model().rooms(i);
-    EXPECT_EQ(r.coefftables(0).coeff_16_size(), sizes[i]) << i;
-    EXPECT_EQ(r.coefftables(0).samplerate(), 44100) << i;
-    EXPECT_EQ(r.uuid(), "a5a5a5a5-a5a5-a5a5-a5a5-a5a5a5a5a5a5") << i;
-    EXPECT_EQ(r.channelmask(), 0xA5A5A5A5u) << i;
-  }
-  EXPECT_EQ(pm.model().rooms(0).coefftables(0).coeff_16(0), -2);
-  EXPECT_EQ(pm.model().rooms(1).coefftables(0).coeff_16(6149), 0x0102);
-  EXPECT_EQ(pm.model().rooms(2).coefftables(0).coeff_16(0), static_cast<std::int16_t>(0xA5A5));
-  EXPECT_EQ(pm.frontroom(0).uuid(), pm.model().rooms(0).uuid());
 }
 
 }  // namespace

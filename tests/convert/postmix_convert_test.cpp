@@ -9,9 +9,7 @@
 
 namespace {
 
-using coeftest::kPattern32;
-using coeftest::Record;
-using quill::pb::heron_v1_1::HeronSettings;
+using namespace coeftest;
 
 constexpr std::size_t kBrioEnable = 128 + 68;
 constexpr std::size_t kThumpxEnable = 128 + 44;

@@ -1,27 +1,22 @@
 // The postmix driver end to end: a headphone route at 48000 Hz with rooms, a
 // headphone EQ, an acoustic EQ and every coefficient table, checked region by
 // region against bytes derived from the record layout; each failure code with
-// what stays written; and a full round trip through the reverse convert.
+// what stays written and, for the decisions, the trace entries (step, item,
+// outcome, reason, source, model, count, result) worked out by hand, with the
+// same record when no trace is asked for; the trace's identifiers, rates and
+// capacity limit. The reverse convert's round trip: coef_convert_test.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "postmix_scenario.h"
 
 namespace {
 
-using coeftest::expectHalves;
-using coeftest::expectWords;
-using coeftest::kPattern32;
-using coeftest::ramp;
-using coeftest::Record;
-using coeftest::setTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
-using quill::pb::hub::RouteConfiguration;
-using quill::pb::model::listeningModel;
-using namespace postmixtest;  // the scenario: identifiers, models, settings
+using namespace postmixtest;  // the scenario (identifiers, models, settings) and coeftest's helpers
 
 void expectRoomHeader(const Record& rec, std::size_t at, std::uint8_t first_uuid_byte, std::uint32_t mask,
                       std::uint32_t brir, const char* what) {
@@ -111,6 +106,53 @@ constexpr std::size_t kMultiR = 488, kFrontR = 33328, kWideR = 45668, kHpeqR = 5
                       kAeqR = 58632, kBrioHpfR = 61320, kXoverR = 61364, kThumpxR = 61424, kMbhlR = 61676,
                       kDistR = 61772, kEnd = 66108;
 
+
+// One trace entry, as worked out by hand.
+struct Step {
+  int step, item, outcome, reason, source, model, count, result;
+};
+
+constexpr int L = QUILL_OUTCOME_LOADED, N = QUILL_OUTCOME_NOTHING, F = QUILL_OUTCOME_FAILED,
+              S = QUILL_OUTCOME_SKIPPED, X = QUILL_OUTCOME_NOT_REACHED;
+constexpr int kEmbedded = QUILL_TRACE_MODEL_EMBEDDED, kNone = QUILL_TRACE_MODEL_NONE;
+
+// The full scenario, step by step.
+const std::vector<Step> kFull = {
+    {QUILL_STEP_CONTROL, -1, L, 0, QUILL_SOURCE_NONE, kNone, 0, 0},
+    {QUILL_STEP_WIDE_ROOM, 0, L, 0, QUILL_SOURCE_MODEL, 0, 6, 0},
+    {QUILL_STEP_FRONT_ROOM, 0, L, 0, QUILL_SOURCE_MODEL, 0, 8, 0},  // the caller's copy wins
+    {QUILL_STEP_FRONT_ROOM, 1, L, 0, QUILL_SOURCE_MODEL, kEmbedded, 2, 0},
+    {QUILL_STEP_MULTICHANNEL_ROOM, 0, L, 0, QUILL_SOURCE_MODEL, 0, 4, 0},
+    {QUILL_STEP_HEADPHONE_EQ, 0, N, QUILL_REASON_NOT_FOR_ROUTE, QUILL_SOURCE_NONE, kNone, 0, 1},
+    {QUILL_STEP_HEADPHONE_EQ, 1, L, 0, QUILL_SOURCE_MODEL, kEmbedded, 6, 0},
+    {QUILL_STEP_OUTPUT_HPF, -1, L, 0, QUILL_SOURCE_TABLE, kNone, 5, 0},
+    {QUILL_STEP_AEQ, -1, L, 0, QUILL_SOURCE_MODEL, kEmbedded, 2, 0},
+    {QUILL_STEP_BRIO_CROSSOVER, -1, L, 0, QUILL_SOURCE_TABLE, kNone, 4, 0},
+    {QUILL_STEP_BRIO_HPF, -1, L, 0, QUILL_SOURCE_TABLE, kNone, 2, 0},
+    {QUILL_STEP_THUMPX, -1, L, 0, QUILL_SOURCE_TABLE, kNone, 63, 0},
+    {QUILL_STEP_MBHL_CROSSOVER, -1, L, 0, QUILL_SOURCE_TABLE, kNone, 24, 0},
+    {QUILL_STEP_DISTORTION_PREVENTION, -1, L, 0, QUILL_SOURCE_RECORDS, kNone, 2, 0},
+};
+
+// kFull with the entries from `from` on replaced by `tail`, and with every
+// step from `unreached` on (if given) not reached.
+std::vector<Step> fullThen(std::size_t from, std::vector<Step> tail, int unreached = QUILL_STEP_COUNT) {
+  std::vector<Step> steps(kFull.begin(), kFull.begin() + from);
+  steps.insert(steps.end(), tail.begin(), tail.end());
+  for (int s = unreached; s < QUILL_STEP_COUNT; ++s) {
+    steps.push_back({s, -1, X, QUILL_REASON_EARLIER_STEP_FAILED, QUILL_SOURCE_NONE, kNone, 0, 0});
+  }
+  return steps;
+}
+std::vector<Step> fullWith(std::size_t at, std::vector<Step> instead, std::size_t replaced = 1) {
+  std::vector<Step> steps = fullThen(at, instead);
+  steps.insert(steps.end(), kFull.begin() + at + replaced, kFull.end());
+  return steps;
+}
+const Step kSkippedRooms[] = {{QUILL_STEP_WIDE_ROOM, -1, S, QUILL_REASON_ROOM_MASK, 0, kNone, 0, 0},
+                              {QUILL_STEP_FRONT_ROOM, -1, S, QUILL_REASON_ROOM_MASK, 0, kNone, 0, 0},
+                              {QUILL_STEP_MULTICHANNEL_ROOM, -1, S, QUILL_REASON_ROOM_MASK, 0, kNone, 0, 0}};
+
 struct FailureCase {
   const char* name;
   std::function<void(HeronSettings&)> edit;
@@ -118,16 +160,21 @@ struct FailureCase {
   int result;
   std::vector<std::pair<std::size_t, std::size_t>> written;    // ranges with some write
   std::vector<std::pair<std::size_t, std::size_t>> untouched;  // ranges left alone
+  std::vector<Step> steps = {};                                // the trace; empty: not checked
 };
 
 TEST(PostmixDriver, FailureCodesAndWhatStaysWritten) {
   const FailureCase kCases[] = {
+      {"full scenario", [](HeronSettings&) {}, 14, 0, {{kMultiR, kEnd}}, {}, kFull},
       {"negative ref_htest: control only",
        [](HeronSettings& s) { s.mutable_postmix()->mutable_enhance2()->add_ref_htest(-1); }, 14, -997,
-       {{0, kMultiR}}, {{kMultiR, kEnd}}},
+       {{0, kMultiR}}, {{kMultiR, kEnd}},
+       fullThen(0, {{QUILL_STEP_CONTROL, -1, F, QUILL_REASON_NEGATIVE_REF_HTEST, 0, kNone, 0, -997}},
+                QUILL_STEP_WIDE_ROOM)},
       {"wide room not found: nothing else",
        [](HeronSettings& s) { s.mutable_postmix()->mutable_wideroom(0)->set_uuid("{" + std::string(kWide) + "}"); },
-       14, -999, {{0, kMultiR}}, {{kMultiR, kEnd}}},
+       14, -999, {{0, kMultiR}}, {{kMultiR, kEnd}},
+       fullThen(1, {{QUILL_STEP_WIDE_ROOM, 0, F, QUILL_REASON_NOT_FOUND, 0, kNone, 0, -999}}, QUILL_STEP_FRONT_ROOM)},
       {"front room too large: wide stays",
        [](HeronSettings& s) {
          auto* r = s.mutable_postmix()->mutable_model()->mutable_rooms(1);
@@ -144,7 +191,8 @@ TEST(PostmixDriver, FailureCodesAndWhatStaysWritten) {
        14, -998, {{kFrontR, kHpeqR}}, {{kMultiR, kFrontR}, {kHpeqR, kEnd}}},
       {"room_mask 0 reads no room list",
        [](HeronSettings& s) { s.mutable_postmix()->mutable_wideroom(0)->set_uuid("nope"); }, 0, 0,
-       {{kHpeqR, kEnd}}, {{kMultiR, kHpeqR}}},
+       {{kHpeqR, kEnd}}, {{kMultiR, kHpeqR}},
+       fullWith(1, {kSkippedRooms[0], kSkippedRooms[1], kSkippedRooms[2]}, 4)},
       {"room_mask 2: only wide; other bits ignored",
        [](HeronSettings&) {}, 2 | 1 | 16, 0, {{kWideR, kHpeqR}}, {{kMultiR, kWideR}}},
       {"last headphone EQ fails",
@@ -174,13 +222,25 @@ TEST(PostmixDriver, FailureCodesAndWhatStaysWritten) {
          s.mutable_postmix()->mutable_brio()->mutable_thumpx()->set_speaker_size(11);
          setTable(s.mutable_postmix()->mutable_thumpx_coef()->add_coeffs(), 44100, {1});
        },
-       14, 0, {{kMbhlR, kEnd}}, {{kThumpxR, kMbhlR}}},
+       14, 0, {{kMbhlR, kEnd}}, {{kThumpxR, kMbhlR}},
+       fullWith(11, {{QUILL_STEP_THUMPX, -1, S, QUILL_REASON_SPEAKER_SIZE, 0, kNone, 0, 0}})},
+      {"thumpx designed for another rate, mbhl off",
+       [](HeronSettings& s) {
+         s.mutable_postmix()->mutable_thumpx_coef()->clear_coeffs();
+         s.mutable_postmix()->mutable_thumpx_coef()->mutable_filterdesignparams()->set_sampling_rate(44100);
+         s.mutable_postmix()->mutable_mbhl()->set_enable(0);
+       },
+       14, -998, {{kXoverR, kThumpxR}}, {{kThumpxR, kEnd}},
+       fullThen(11, {{QUILL_STEP_THUMPX, -1, F, QUILL_REASON_DESIGN_RATE, QUILL_SOURCE_DESIGN, kNone, 0, -998}},
+                QUILL_STEP_MBHL_CROSSOVER)},
       {"brio disabled skips thumpx",
        [](HeronSettings& s) { s.mutable_postmix()->mutable_brio()->set_enable(0); }, 14, 0,
        {{kMbhlR, kEnd}}, {{kThumpxR, kMbhlR}}},
-      {"mbhl table missing",
-       [](HeronSettings& s) { s.mutable_postmix()->mutable_mbhl_coef()->clear_mid_cross_coeffs(); }, 14, -998,
-       {{kThumpxR, kMbhlR}}, {{kMbhlR, kEnd}}},
+      {"mbhl mid crossover for another rate",
+       [](HeronSettings& s) { s.mutable_postmix()->mutable_mbhl_coef()->mutable_mid_cross_coeffs()->set_samplerate(44100); },
+       14, -998, {{kThumpxR, kMbhlR}, {kMbhlR, kMbhlR + 48}}, {{kMbhlR + 48, kEnd}},  // the low one is copied
+       fullThen(12, {{QUILL_STEP_MBHL_CROSSOVER, -1, F, QUILL_REASON_NO_TABLE_FOR_RATE, QUILL_SOURCE_TABLE, kNone, 12, -998}},
+                QUILL_STEP_DISTORTION_PREVENTION)},
       {"distortion prevention fails last",
        [](HeronSettings& s) { s.mutable_postmix()->mutable_mbhl_dist_prev(1)->clear_sense_config(); }, 14, -998,
        {{kMbhlR, kDistR}}, {{kDistR, kEnd}}},
@@ -198,9 +258,27 @@ TEST(PostmixDriver, FailureCodesAndWhatStaysWritten) {
   for (const FailureCase& c : kCases) {
     HeronSettings s = fullSettings();
     c.edit(s);
-    Record rec;
+    Record rec, traced;
     EXPECT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, s, *rec, false, {&caller}, c.room_mask), c.result)
         << c.name;
+    QuillPostmixTrace trace;
+    std::memset(&trace, 0x5A, sizeof trace);
+    EXPECT_EQ(conv.populate(headphoneRoute(s), *traced, false, {&caller}, c.room_mask, &trace), c.result) << c.name;
+    EXPECT_EQ(std::memcmp(rec.bytes(), traced.bytes(), sizeof(*rec)), 0) << c.name << ": the trace changes nothing";
+    EXPECT_EQ(trace.result, c.result) << c.name;
+    EXPECT_EQ(trace.dropped, 0) << c.name;
+    if (!c.steps.empty()) {
+      ASSERT_EQ(trace.count, static_cast<int>(c.steps.size())) << c.name;
+      for (int i = 0; i < trace.count; ++i) {
+        const QuillTraceEntry& e = trace.entries[i];
+        const Step& w = c.steps[i];
+        const Step got = {e.step, e.item, e.outcome, e.reason, e.source, e.model, e.count, e.result};
+        EXPECT_EQ(std::memcmp(&got, &w, sizeof got), 0)
+            << c.name << ", entry " << i << " " << quillTraceStepName(e.step) << ": item " << e.item << " outcome "
+            << +e.outcome << " reason " << quillTraceReasonName(e.reason) << " source " << +e.source << " model "
+            << e.model << " count " << e.count << " result " << e.result;
+      }
+    }
     for (const auto& r : c.written) EXPECT_FALSE(rec.untouched(r.first, r.second)) << c.name << " @" << r.first;
     for (const auto& r : c.untouched) {
       EXPECT_EQ(rec.firstWritten(r.first, r.second), r.second) << c.name << " @" << r.first;
@@ -208,16 +286,11 @@ TEST(PostmixDriver, FailureCodesAndWhatStaysWritten) {
   }
 }
 
-TEST(PostmixDriver, RouteLookup) {
+// The route's own AudioRoute filters the headphone EQ. (A route without
+// current settings: ctrl_paths_test.)
+TEST(PostmixDriver, RouteFiltersTheHeadphoneEq) {
   Record rec;
   QuillHeron_v1_1_Pb conv(48000);
-  RouteConfiguration legacy_only;
-  legacy_only.add_tech()->mutable_heron();
-  EXPECT_EQ(conv.populate(legacy_only, *rec, false, {}, 14), -1000);
-  EXPECT_EQ(conv.populate(RouteConfiguration(), *rec, false, {}, 14), -1000);
-  EXPECT_TRUE(rec.untouched(0, kEnd));
-
-  // The route's own AudioRoute filters the headphone EQ.
   HeronSettings s = fullSettings();
   RouteConfiguration usb = headphoneRoute(s);
   usb.set_route(quill::pb::hub::AR_OUT_USB);
@@ -226,26 +299,29 @@ TEST(PostmixDriver, RouteLookup) {
   EXPECT_TRUE(rec.untouched(kHpeqR, kHpfR));
 }
 
-// Populate, convert with rooms, populate again: the same record, except the
-// stereo-enhancer high-pass coefficients, which the rebuild puts where the
-// loader does not read them.
-TEST(PostmixDriver, FullRoundTrip) {
+TEST(PostmixTrace, NamesTheIdentifierAndTheDesignRate) {
   HeronSettings s = fullSettings();
-  for (int i = 0; i < 7; ++i) s.mutable_postmix()->mutable_enhance2()->add_ref_htest(i);
+  s.mutable_postmix()->mutable_thumpx_coef()->clear_coeffs();
+  s.mutable_postmix()->mutable_thumpx_coef()->mutable_filterdesignparams()->set_sampling_rate(44100);
   const listeningModel caller = callerModel();
-  QuillHeron_v1_1_Pb conv(48000);
-  Record first;
-  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, s, *first, false, {&caller}, 14), 0);
-  HeronSettings rebuilt;
-  conv.convert(*first, &rebuilt, true);
-  Record second;
-  ASSERT_EQ(conv.populate(quill::pb::hub::AR_OUT_ATTACHED0, rebuilt, *second, false, {}, 14), 0);
+  Record rec;
+  QuillPostmixTrace trace;
+  QuillHeron_v1_1_Pb(48000).populate(headphoneRoute(s), *rec, false, {&caller}, 14, &trace);
+  EXPECT_STREQ(trace.entries[1].uuid, kWide);
+  EXPECT_EQ(trace.entries[1].rate, 48000);
+  EXPECT_STREQ(trace.entries[0].uuid, "");
+  EXPECT_EQ(trace.entries[11].rate, 44100);
+}
 
-  for (std::size_t i = 0; i < coeftest::kRecordBytes; ++i) {
-    if (i >= 61324 && i < 61328) continue;  // brio high-pass coefficients -7, 7
-    ASSERT_EQ(first.bytes()[i], second.bytes()[i]) << "byte " << i;
-  }
-  EXPECT_TRUE(second.untouched(61324, 61364));
+TEST(PostmixTrace, CountsWhatDoesNotFit) {
+  HeronSettings s = fullSettings();
+  for (int i = 0; i < 40; ++i) s.mutable_postmix()->add_wideroom()->set_uuid(kWide);  // 41 wide rooms
+  const listeningModel caller = callerModel();
+  Record rec;
+  QuillPostmixTrace trace;
+  EXPECT_EQ(QuillHeron_v1_1_Pb(48000).populate(headphoneRoute(s), *rec, false, {&caller}, 14, &trace), 0);
+  EXPECT_EQ(trace.count, QUILL_TRACE_CAPACITY);
+  EXPECT_EQ(trace.dropped, static_cast<int>(kFull.size()) + 40 - QUILL_TRACE_CAPACITY);
 }
 
 }  // namespace

@@ -12,12 +12,8 @@
 
 namespace postmixtest {
 
-using coeftest::ramp;
-using coeftest::setTable;
-using quill::pb::heron_v1_1::HeronSettings;
-using quill::pb::heron_v1_1::Postmix;
+using namespace coeftest;
 using quill::pb::hub::RouteConfiguration;
-using quill::pb::model::listeningModel;
 
 // Identifiers of the scenario.
 inline const char kWide[] = "11111111-2222-3333-4444-555555555555";

@@ -1,10 +1,13 @@
 // Test helpers: frequency response of float biquad cascades, evaluated
 // directly from H(z) = (b0 + b1 z^-1 + b2 z^-2) / (1 - A1 z^-1 - A2 z^-2)
 // (A1 and A2 are stored negated) in double precision.
+// Also the reference quantisation rule, written from the contract rather
+// than taken from the library.
 #ifndef QUILLHERON_TESTS_FILTERDESIGN_IIR_TEST_RESPONSE_H_
 #define QUILLHERON_TESTS_FILTERDESIGN_IIR_TEST_RESPONSE_H_
 
 #include <cmath>
+#include <cstdint>
 #include <complex>
 
 namespace qh_test {
@@ -51,6 +54,16 @@ inline double ButterworthMagnitude(bool lowpass, int n, double fc, double f, dou
 inline double Angle(double freq_hz, double sample_rate) { return 2.0 * kPi * freq_hz / sample_rate; }
 
 inline double Db(double magnitude) { return 20.0 * std::log10(magnitude); }
+
+// Rounds half away from zero, then saturates to the signed range of `width`
+// bits.
+inline int64_t RoundSat(double x, int width) {
+  const double top = std::ldexp(1.0, width - 1) - 1, bottom = -std::ldexp(1.0, width - 1);
+  const double r = std::round(x);  // halves away from zero
+  if (r > top) return static_cast<int64_t>(top);
+  if (r < bottom) return static_cast<int64_t>(bottom);
+  return static_cast<int64_t>(r);
+}
 
 }  // namespace qh_test
 

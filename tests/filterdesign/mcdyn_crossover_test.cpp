@@ -7,7 +7,6 @@
 #include <complex>
 #include <cstdint>
 
-#include "fixed_point_reference.h"
 #include "iir_test_response.h"
 #include "quillheron_filterdesign.h"
 

@@ -54,6 +54,25 @@ void SweepIwl(SweepSink& sink) {
   for (int n = 0; n <= kAwkwardCount; ++n) sink.F32(MaxAbs(kAwkward, n));
 }
 
+// Quantises `cascade` into the scratch words `q`, appends the words, then
+// converts a copy of them back and appends the floats.
+template <class Word, class Quantise, class Inverse>
+void QuantiseAndBack(SweepSink& sink, const float* cascade, int order, Word* q, Quantise quantise,
+                     Inverse inverse) {
+  const int words = QH_IirFixedLength(order);
+  quantise(cascade, order, q);
+  if constexpr (sizeof(Word) == 2) {
+    sink.I16s(q, words);
+  } else {
+    sink.I32s(q, words);
+  }
+  Word fixed[26];
+  std::memcpy(fixed, q, sizeof fixed);
+  float* back = SharedScratch().FloatOut();
+  inverse(fixed, order, back);
+  sink.F32s(back, QH_IirFloatLength(order));
+}
+
 // Cascades of order 1..6 filled from the awkward values, then quantised in
 // all three widths and converted back.
 void SweepQuantizers(SweepSink& sink) {
@@ -62,36 +81,12 @@ void SweepQuantizers(SweepSink& sink) {
   for (int start = 0; start < kAwkwardCount; ++start) {
     for (int i = 0; i < 21; ++i) cascade[i] = kAwkward[(start + 7 * i) % kAwkwardCount];
     for (int order = 1; order <= 7; order += 2) {
-      const int words = QH_IirFixedLength(order);
-      const int floats = QH_IirFloatLength(order);
       sink.Begin(Fmt("quantise fxp32 start=%g order=%g", start, order));
-      int32_t* q32 = s.I32Out();
-      OVA_QuantizeIIR_Fxp32(cascade, order, q32);
-      sink.I32s(q32, words);
-      int32_t fixed32[26];
-      std::memcpy(fixed32, q32, sizeof fixed32);
-      float* back = s.FloatOut();
-      OVA_Fxp32IIRToFloat(fixed32, order, back);
-      sink.F32s(back, floats);
-
+      QuantiseAndBack(sink, cascade, order, s.I32Out(), OVA_QuantizeIIR_Fxp32, OVA_Fxp32IIRToFloat);
       sink.Begin(Fmt("quantise fxp24 start=%g order=%g", start, order));
-      int32_t* q24 = s.I32Out();
-      OVA_QuantizeIIR_Fxp24(cascade, order, q24);
-      sink.I32s(q24, words);
-      std::memcpy(fixed32, q24, sizeof fixed32);
-      back = s.FloatOut();
-      OVA_Fxp24IIRToFloat(fixed32, order, back);
-      sink.F32s(back, floats);
-
+      QuantiseAndBack(sink, cascade, order, s.I32Out(), OVA_QuantizeIIR_Fxp24, OVA_Fxp24IIRToFloat);
       sink.Begin(Fmt("quantise fxp16 start=%g order=%g", start, order));
-      int16_t* q16 = s.I16Out();
-      OVA_QuantizeIIR_Fxp16(cascade, order, q16);
-      sink.I16s(q16, words);
-      int16_t fixed16[26];
-      std::memcpy(fixed16, q16, sizeof fixed16);
-      back = s.FloatOut();
-      OVA_Fxp16IIRToFloat(fixed16, order, back);
-      sink.F32s(back, floats);
+      QuantiseAndBack(sink, cascade, order, s.I16Out(), OVA_QuantizeIIR_Fxp16, OVA_Fxp16IIRToFloat);
     }
   }
 }

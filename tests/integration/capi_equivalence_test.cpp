@@ -1,7 +1,8 @@
 // The C entry point gives the same records, results and settings bytes as
 // the C++ API, on the shipped examples, on the benchmark and postmix test
 // scenarios, and on routes generated from them by changing integer fields at
-// random; and it does so from several threads at once on distinct records.
+// random, with any of the convert inputs left out; and it does so from
+// several threads at once on distinct records.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -32,13 +33,19 @@ struct Input {
   std::vector<std::string> models;
 };
 
+// Convert inputs given to a request; the others are left out (null).
+enum : int { kPremix = 1, kPostmix = 2, kPremixFader = 4, kPostmixFader = 8, kAll = 15 };
+
 struct Request {
   int rate;
   int room_mask;
   bool with_room_models;
+  int convert_inputs;
 };
 
-const Request kRequests[] = {{48000, 14, true}, {44100, 14, false}, {48000, 2, false}, {32000, 0, true}};
+const Request kRequests[] = {{48000, 14, true, kAll},       {44100, 14, false, kAll},
+                             {48000, 2, false, kPremix},    {32000, 0, true, kPostmix | kPostmixFader},
+                             {48000, 14, true, kPremixFader}};
 
 // Everything one populate-and-convert pass produces.
 struct Outcome {
@@ -50,6 +57,8 @@ struct Outcome {
 };
 
 Bytes Zeroed(std::size_t n) { return Bytes(n, 0); }
+// Populate starts from a pattern, so a write it should not make shows.
+Bytes Patterned(std::size_t n) { return Bytes(n, 0x5A); }
 
 Outcome ViaCxx(const Input& in, const Request& r) {
   quill::pb::hub::RouteConfiguration route;
@@ -61,8 +70,8 @@ Outcome ViaCxx(const Input& in, const Request& r) {
     list.push_back(&models[i]);
   }
   Outcome o;
-  o.premix = Zeroed(sizeof(_quillHeronPremixApiCtrl));
-  o.postmix = Zeroed(sizeof(_quillHeronPostmixApiCtrlCoeffs));
+  o.premix = Patterned(sizeof(_quillHeronPremixApiCtrl));
+  o.postmix = Patterned(sizeof(_quillHeronPostmixApiCtrlCoeffs));
   auto* premix = reinterpret_cast<_quillHeronPremixApiCtrl*>(o.premix.data());
   auto* postmix = reinterpret_cast<_quillHeronPostmixApiCtrlCoeffs*>(o.postmix.data());
   const QuillHeron_v1_1_Pb converter(r.rate);
@@ -75,12 +84,16 @@ Outcome ViaCxx(const Input& in, const Request& r) {
   }
   o.postmix_converted = o.postmix;
   quill::pb::heron_v1_1::HeronSettings settings;
-  converter.convert(*premix, &settings);
-  converter.convert(*reinterpret_cast<_quillHeronPostmixApiCtrlCoeffs*>(o.postmix_converted.data()), &settings,
-                    r.with_room_models);
+  if (r.convert_inputs & kPremix) converter.convert(*premix, &settings);
+  if (r.convert_inputs & kPostmix) {
+    converter.convert(*reinterpret_cast<_quillHeronPostmixApiCtrlCoeffs*>(o.postmix_converted.data()), &settings,
+                      r.with_room_models);
+  }
   for (int k = 0; k < 2; ++k) {
     const quillheron_fader& f = o.faders[k];
-    converter.convert(f.shadow, f.out_length, f.hold_length, f.in_length, f.state, k == 0, &settings);
+    if (r.convert_inputs & (k == 0 ? kPremixFader : kPostmixFader)) {
+      converter.convert(f.shadow, f.out_length, f.hold_length, f.in_length, f.state, k == 0, &settings);
+    }
   }
   o.settings = settings.SerializeAsString();
   return o;
@@ -90,24 +103,29 @@ Outcome ViaC(const Input& in, const Request& r) {
   std::vector<quillheron_bytes> models;
   for (const std::string& m : in.models) models.push_back({m.data(), m.size()});
   Outcome o;
-  o.premix = Zeroed(QUILLHERON_PREMIX_RECORD_BYTES);
-  o.postmix = Zeroed(QUILLHERON_POSTMIX_RECORD_BYTES);
+  o.premix = Patterned(QUILLHERON_PREMIX_RECORD_BYTES);
+  o.postmix = Patterned(QUILLHERON_POSTMIX_RECORD_BYTES);
   o.premix_result = quillheron_populate_premix(in.route.data(), in.route.size(), o.premix.data());
   o.postmix_result = quillheron_populate_postmix(in.route.data(), in.route.size(), models.data(), models.size(),
                                                  r.rate, r.room_mask, o.postmix.data());
   for (int k = 0; k < 2; ++k) {
     o.fader_result[k] = quillheron_populate_fader(in.route.data(), in.route.size(), k == 0, &o.faders[k]);
   }
+  const int given = r.convert_inputs;
+  const void* premix = given & kPremix ? o.premix.data() : nullptr;
+  const quillheron_fader* faders[2] = {given & kPremixFader ? &o.faders[0] : nullptr,
+                                       given & kPostmixFader ? &o.faders[1] : nullptr};
   o.postmix_converted = o.postmix;
   std::size_t size = 0;
-  EXPECT_EQ(quillheron_convert(r.rate, o.premix.data(), o.postmix_converted.data(), r.with_room_models,
-                               &o.faders[0], &o.faders[1], nullptr, 0, &size),
+  EXPECT_EQ(quillheron_convert(r.rate, premix, given & kPostmix ? o.postmix_converted.data() : nullptr,
+                               r.with_room_models, faders[0], faders[1], nullptr, 0, &size),
             QUILLHERON_OK);
   o.postmix_converted = o.postmix;  // the query stamped the rate; start again from the populated record
   o.settings.resize(size);
   std::size_t written = 0;
-  EXPECT_EQ(quillheron_convert(r.rate, o.premix.data(), o.postmix_converted.data(), r.with_room_models,
-                               &o.faders[0], &o.faders[1], &o.settings[0], size, &written),
+  EXPECT_EQ(quillheron_convert(r.rate, premix, given & kPostmix ? o.postmix_converted.data() : nullptr,
+                               r.with_room_models, faders[0], faders[1], size ? &o.settings[0] : nullptr, size,
+                               &written),
             QUILLHERON_OK);
   EXPECT_EQ(written, size);
   return o;
@@ -169,6 +187,8 @@ std::vector<Input> Inputs() {
   const auto route = postmixtest::headphoneRoute(postmixtest::fullSettings());
   const std::string model = postmixtest::callerModel().SerializeAsString();
   inputs.push_back({"postmix_scenario", route.SerializeAsString(), {model}});
+  inputs.push_back({"empty route", "", {}});  // no settings: -1000 everywhere
+  inputs.push_back({"empty model", route.SerializeAsString(), {model, ""}});  // an empty model parses
 
   synthetic::Noise noise;
   const qhbench::Scenario example = qhbench::ExampleScenario();
@@ -219,10 +239,18 @@ TEST(CapiEquivalence, SeveralThreadsOnDistinctRecords) {
 TEST(CapiEquivalence, ParseFailureAndShortBufferCodes) {
   const Input in = FromScenario(qhbench::ExampleScenario());
   const std::string broken = in.route.substr(0, in.route.size() / 2);
+  const quillheron_bytes garbage_model = {"\xFF\xFF\xFF", 3}, route = {in.route.data(), in.route.size()};
   Bytes postmix = Zeroed(QUILLHERON_POSTMIX_RECORD_BYTES);
   EXPECT_EQ(quillheron_populate_postmix(broken.data(), broken.size(), nullptr, 0, 48000, 14, postmix.data()),
             QUILLHERON_PARSE_FAILURE);
+  EXPECT_EQ(quillheron_populate_postmix(route.data, route.size, &garbage_model, 1, 48000, 14, postmix.data()),
+            QUILLHERON_PARSE_FAILURE);
   EXPECT_TRUE(postmix == Zeroed(QUILLHERON_POSTMIX_RECORD_BYTES));
+  EXPECT_EQ(quillheron_populate_premix(broken.data(), broken.size(), postmix.data()), QUILLHERON_PARSE_FAILURE);
+  quillheron_fader fader = {42, 42, 42, 42, 42};
+  EXPECT_EQ(quillheron_populate_fader(broken.data(), broken.size(), 1, &fader), QUILLHERON_PARSE_FAILURE);
+  EXPECT_TRUE(postmix == Zeroed(QUILLHERON_POSTMIX_RECORD_BYTES));
+  EXPECT_EQ(fader.shadow, 42);
 
   const Outcome o = ViaC(in, kRequests[0]);
   Bytes record = o.postmix;

@@ -3,6 +3,14 @@
 # Usage: scripts/install-deps.sh [extra-package ...]
 set -euo pipefail
 pkgs=(protobuf-compiler libprotobuf-dev cmake ninja-build g++ make libgtest-dev libcli11-dev nlohmann-json3-dev "$@")
+
+# --- heron report's browser test (heron_cli.report.browser) ---
+# Debian's headless Chromium opens the example report from disk. Installed in
+# CI, or anywhere with QH_BROWSER_TEST=1; elsewhere that test says it did not run.
+if [ "${CI:-}" = true ] || [ "${QH_BROWSER_TEST:-}" = 1 ]; then
+  pkgs+=(chromium-headless-shell)
+fi
+# --- end of heron report's browser test ---
 missing=()
 for p in "${pkgs[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

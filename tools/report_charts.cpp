@@ -4,6 +4,7 @@
 #include <complex>
 #include <cstdio>
 #include <cstring>
+#include <strings.h>
 #include <functional>
 #include <optional>
 
@@ -233,7 +234,8 @@ constexpr FilterChart kCharts[] = {
 
 // The float designs the settings describe for a chart's filters, one per
 // filter the region holds; empty when they describe none.
-std::vector<an::Cascade> FloatDesigns(const HeronSettings& s, const FilterChart& c, int rate) {
+std::vector<an::Cascade> FloatDesigns(const HeronSettings& s, const FilterChart& c, int rate,
+                                     const quill::pb::coef::FilterBank* bank) {
   const auto& p = s.postmix();
   std::vector<an::Cascade> out;
   auto add = [&](std::optional<an::Cascade> d) {
@@ -268,6 +270,16 @@ std::vector<an::Cascade> FloatDesigns(const HeronSettings& s, const FilterChart&
     const auto& dp = s.designerparameters().mbhl_design_params();
     const int hz = filter == "mbhl.low" ? dp.custom_low_cross() : dp.custom_mid_cross();
     out = FloatGroups(qh_design::Family::kCrossover, RunFloat(qh_design::CrossoverRequest{static_cast<float>(hz), rate}));
+  } else if (bank != nullptr) {
+    std::vector<OVAParametriceqBandSpec> bands;
+    for (const auto& d : bank->iirdesc().band_data()) {
+      if (d.enable() == 0) continue;
+      bands.push_back({d.type(), static_cast<float>(d.center_freq()), d.q(), static_cast<float>(d.gain()), 0});
+    }
+    if (!bands.empty()) {
+      const std::vector<float> f = RunFloat(qh_design::PeqRequest{static_cast<int32_t>(bands.size()), bands.data(), rate});
+      if (!f.empty()) out.push_back(an::FromFloatLayout(f.data(), static_cast<int>(bands.size())));
+    }
   }
   return out;
 }
@@ -278,6 +290,20 @@ std::vector<std::string> FilterNames(const FilterChart& c, size_t count) {
   if (filter.rfind("mbhl.", 0) == 0) return GroupNames(qh_design::Family::kCrossover);
   if (filter == "brio_crossover") return {"low-pass", "high-pass"};
   return std::vector<std::string>(count, "");
+}
+
+// The AEQ entry the loader took (its model and identifier), as the models'
+// source text and the entry; null when it cannot be told.
+const quill::pb::coef::Aeq* LoadedAeq(const RuleContext& context, const QuillTraceEntry& e, std::string* source) {
+  size_t index = context.models.size();
+  if (e.model >= 0) index = static_cast<size_t>(e.model);
+  if (e.model == QUILL_TRACE_MODEL_EMBEDDED && !context.models.empty()) index = context.models.size() - 1;
+  if (index >= context.models.size()) return nullptr;
+  *source = context.models[index].second;
+  for (const auto& aeq : context.models[index].first->aeqs()) {
+    if (strcasecmp(aeq.uuid().c_str(), e.uuid) == 0) return &aeq;
+  }
+  return nullptr;
 }
 
 // The settings' table behind a cascade chart at each width it stores,
@@ -317,7 +343,18 @@ void AddRegionChart(const RuleContext& context, const RateRecord& r, const Filte
       if (field == nullptr) continue;
       for (const an::Cascade& f : Region(r, field)) stored.push_back(f);
     }
-    const std::vector<an::Cascade> reference = FloatDesigns(context.settings, c, r.rate);
+    // An AEQ bank: the entry the loader took, its bank, and where validate finds its table.
+    const quill::pb::coef::FilterBank* bank = nullptr;
+    std::string aeq_table;
+    if (c.step == QUILL_STEP_AEQ) {
+      std::string source;
+      const int b = c.filter[std::strlen(c.filter) - 1] - '0';
+      if (const auto* aeq = LoadedAeq(context, *e, &source); aeq && b < aeq->coefficient_table_size()) {
+        bank = &aeq->coefficient_table(b);
+        aeq_table = source + ": AEQ " + aeq->uuid() + " bank " + std::to_string(b) + " iirCoefs";
+      }
+    }
+    const std::vector<an::Cascade> reference = FloatDesigns(context.settings, c, r.rate, bank);
     const std::vector<std::string> names = FilterNames(c, stored.size());
     const std::string width = std::to_string(RegionWidth(c.fields[0])) + "-bit";
     for (size_t i = 0; i < stored.size(); ++i) {
@@ -329,6 +366,7 @@ void AddRegionChart(const RuleContext& context, const RateRecord& r, const Filte
         chart.curves.back().dashed = true;
       }
       if (e->source == QUILL_SOURCE_TABLE && i < 2) AddTableWidths(context, c.table_paths[i], name, r.rate, grid, &chart);
+      if (!aeq_table.empty()) AddTableWidths(context, aeq_table.c_str(), name, r.rate, grid, &chart);
     }
     if (std::strcmp(c.filter, "brio_crossover") == 0 && stored.size() == 2) {
       chart.curves.push_back(CurveOf("sum of both outputs", r.rate, grid, [&](double hz) {

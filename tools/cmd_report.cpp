@@ -42,6 +42,7 @@ void RegisterReport(CLI::App& app, Action& run) {
                   "and 48000)");
   sub->add_option("--room-mask", o->input.room_mask, "rooms populate loads: 2 wide, 4 front, 8 multichannel")
       ->capture_default_str();
+  sub->add_option("--input-format", o->input.input_format, "binary, text or json (default: by extension)");
   sub->add_option("-o,--output", o->output, "the HTML page to write")->required();
   sub->footer("Exit status: 0 written, 4 written and validate finds an error at some rate, 2 input error, "
               "1 the page cannot be written.");

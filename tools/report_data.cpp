@@ -58,8 +58,9 @@ std::string FindingAnchor(const ReportData& d, const Finding& f) {
 ReportData CollectReport(const ReportInput& in) {
   ReportData d;
   quill::pb::hub::RouteConfiguration route;
-  ReadMessage(in.route_path, std::nullopt, &route);
-  const LoadedModels loaded = LoadModels(in.model_paths, std::nullopt);
+  const auto format = InputFormatOption(in.input_format);
+  ReadMessage(in.route_path, format, &route);
+  const LoadedModels loaded = LoadModels(in.model_paths, format);
   d.route_path = in.route_path;
   d.route_name = quill::pb::hub::AudioRoute_Name(route.route());
   d.origin.push_back({in.route_path, FileSize(in.route_path)});

@@ -56,6 +56,7 @@ struct ReportInput {
   std::vector<std::string> model_paths;
   std::string rates;  // as --rate takes them; "" for validate's default
   int room_mask = 14;
+  std::string input_format;  // as --input-format takes it; "" by extension
 };
 
 struct ReportData {

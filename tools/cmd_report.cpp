@@ -2,6 +2,7 @@
 // every rate: populate's result and trace, validate's findings, a chart of
 // every filter it defines, and the rooms and headphone EQ it loads.
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -24,9 +25,17 @@ int RunReport(const ReportOptions& o) {
   OutputSet outputs;
   outputs.Add(o.output, RenderReportHtml(data));
   outputs.Commit();
-  const bool error = std::any_of(data.findings.begin(), data.findings.end(),
-                                 [](const Finding& f) { return f.severity == Severity::kError; });
-  return error ? kExitFindings : kExitOk;
+  const long errors = std::count_if(data.findings.begin(), data.findings.end(),
+                                    [](const Finding& f) { return f.severity == Severity::kError; });
+  const long warnings = static_cast<long>(data.findings.size()) - errors;
+  std::string rates;
+  for (int r : data.rates) rates += (rates.empty() ? "" : ", ") + std::to_string(r);
+  // The summary goes beside the page, not into it when the page goes to stdout.
+  std::FILE* summary = o.output.empty() || o.output == "-" ? stderr : stdout;
+  std::fprintf(summary, "%s: %zu charts at %s Hz, %ld error%s, %ld warning%s%s\n", o.output.c_str(),
+               data.charts.size(), rates.c_str(), errors, errors == 1 ? "" : "s", warnings, warnings == 1 ? "" : "s",
+               ReportIsInteractive() ? "" : " (static pictures only: built without the charting library)");
+  return errors > 0 ? kExitFindings : kExitOk;
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ case "$CASE" in
 example)
   # Written (exit 4: validate's error at 44100 Hz), small, self-contained.
   expect 4 "$HERON" report "$ROUTE" --model "$MODEL" -o "$T/r.html"
+  contains "$T/out" "^$T/r.html: 24 charts at 44100, 48000 Hz, 1 error, 1 warning"
   [ "$(stat -c %s "$T/r.html")" -lt 2000000 ] || fail "the page is $(stat -c %s "$T/r.html") bytes"
   ! grep -q -E '(src|href)="(https?:)?//' "$T/r.html" || fail "the page refers to something outside it"
   contains "$T/r.html" "<td><code>$ROUTE</code></td><td>$(stat -c %s "$ROUTE")</td>"

@@ -10,6 +10,20 @@ all: build
 
 deps:
 	@scripts/install-deps.sh
+	@$(MAKE) --no-print-directory report-deps
+
+# The charting library heron report inlines in its pages: the npm package
+# pinned with its integrity hash in report/package-lock.json, installed under
+# report/node_modules (again only when the lock file changes). Without npm or
+# the registry heron still builds, and its reports are SVG only.
+.PHONY: report-deps
+report-deps:
+	@if [ -f report/node_modules/.package-lock.json ] && \
+	    [ ! report/package-lock.json -nt report/node_modules/.package-lock.json ]; then :; \
+	elif command -v npm >/dev/null 2>&1; then \
+	  (cd report && npm ci --no-audit --no-fund --loglevel=error) || \
+	    echo "report/: npm ci failed; heron report will write SVG-only pages"; \
+	else echo "npm not found; heron report will write SVG-only pages"; fi
 
 configure: deps
 	@if [ ! -f $(BUILD_DIR)/build.ninja ]; then \

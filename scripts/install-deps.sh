@@ -11,6 +11,14 @@ PY_PKGS=(pybind11-dev python3-pybind11 python3-dev python3-numpy python3-scipy p
          python3-matplotlib python3-venv python3-pip python3-wheel python3-setuptools)
 pkgs+=("${PY_PKGS[@]}")
 # --- end of the Python package's packages
+
+# --- heron report's browser test (heron_cli.report.browser) ---
+# Debian's headless Chromium opens the example report from disk. Installed in
+# CI, or anywhere with QH_BROWSER_TEST=1; elsewhere that test says it did not run.
+if [ "${CI:-}" = true ] || [ "${QH_BROWSER_TEST:-}" = 1 ]; then
+  pkgs+=(chromium-headless-shell)
+fi
+# --- end of heron report's browser test ---
 missing=()
 for p in "${pkgs[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then

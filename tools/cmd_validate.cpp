@@ -52,16 +52,18 @@ void TableRates(const google::protobuf::Message& m, std::set<int>* rates) {
   }
 }
 
-std::vector<int> Rates(const ValidateOptions& o, const quill::pb::hub::RouteConfiguration& route,
-                       const LoadedModels& models) {
+}  // namespace
+
+std::vector<int> RatesToCheck(const std::string& rate_list, const quill::pb::hub::RouteConfiguration& route,
+                              const LoadedModels& models) {
   std::set<int> rates;
-  if (o.rates.empty()) {
+  if (rate_list.empty()) {
     TableRates(route, &rates);
     for (const auto& m : models.models) TableRates(*m, &rates);
     rates.insert(kDefaultRate);
     return {rates.begin(), rates.end()};
   }
-  std::stringstream in(o.rates);
+  std::stringstream in(rate_list);
   for (std::string item; std::getline(in, item, ',');) {
     size_t used = 0;
     int hz = 0;
@@ -70,12 +72,14 @@ std::vector<int> Rates(const ValidateOptions& o, const quill::pb::hub::RouteConf
     } catch (const std::exception&) {
     }
     if (used != item.size() || hz <= 0) {
-      throw ToolError{"--rate", "takes positive rates in Hz separated by commas, not '" + o.rates + "'"};
+      throw ToolError{"--rate", "takes positive rates in Hz separated by commas, not '" + rate_list + "'"};
     }
     rates.insert(hz);
   }
   return {rates.begin(), rates.end()};
 }
+
+namespace {
 
 // Warnings that repeat the step an error at the same rate already names are
 // left out: the error says why.
@@ -96,6 +100,28 @@ std::vector<Finding> WithoutRepeats(std::vector<Finding> findings) {
   });
   return out;
 }
+
+}  // namespace
+
+std::vector<Finding> ValidateFindings(const quill::pb::hub::RouteConfiguration& route, const LoadedModels& loaded,
+                                      const std::vector<int>& rates, int room_mask) {
+  std::vector<Finding> findings;
+  for (int rate : rates) PopulateFindings(route, loaded, rate, room_mask, &findings);
+  const auto* settings = QuillHeron_v1_1_Pb(kDefaultRate).findHeronSettings(route);
+  if (settings != nullptr) {
+    ModelSources models;
+    for (size_t i = 0; i < loaded.models.size(); ++i) models.push_back({loaded.models[i].get(), loaded.paths[i]});
+    if (settings->postmix().has_model()) models.push_back({&settings->postmix().model(), "the embedded model"});
+    for (const Rule& rule : ValidateRules()) {
+      for (size_t i = 0; i < (rule.per_rate ? rates.size() : 1); ++i) {
+        rule.check(RuleContext{*settings, route.route(), models, rule.per_rate ? rates[i] : 0, &findings});
+      }
+    }
+  }
+  return WithoutRepeats(std::move(findings));
+}
+
+namespace {
 
 const char* SeverityName(Severity s) { return s == Severity::kError ? "error" : "warning"; }
 
@@ -137,23 +163,9 @@ int RunValidate(const ValidateOptions& o) {
   quill::pb::hub::RouteConfiguration route;
   ReadMessage(o.route, format, &route);
   const LoadedModels loaded = LoadModels(o.models, format);
-  const std::vector<int> rates = Rates(o, route, loaded);
+  const std::vector<int> rates = RatesToCheck(o.rates, route, loaded);
   NoteIgnoredRoomBits(o.room_mask);
-
-  std::vector<Finding> findings;
-  for (int rate : rates) PopulateFindings(route, loaded, rate, o.room_mask, &findings);
-  const auto* settings = QuillHeron_v1_1_Pb(kDefaultRate).findHeronSettings(route);
-  if (settings != nullptr) {
-    ModelSources models;
-    for (size_t i = 0; i < loaded.models.size(); ++i) models.push_back({loaded.models[i].get(), loaded.paths[i]});
-    if (settings->postmix().has_model()) models.push_back({&settings->postmix().model(), "the embedded model"});
-    for (const Rule& rule : ValidateRules()) {
-      for (size_t i = 0; i < (rule.per_rate ? rates.size() : 1); ++i) {
-        rule.check(RuleContext{*settings, route.route(), models, rule.per_rate ? rates[i] : 0, &findings});
-      }
-    }
-  }
-  findings = WithoutRepeats(std::move(findings));
+  const std::vector<Finding> findings = ValidateFindings(route, loaded, rates, o.room_mask);
   o.json ? PrintJson(findings, rates) : PrintText(findings, rates, o.route);
   const bool failing = std::any_of(findings.begin(), findings.end(), [&](const Finding& f) {
     return f.severity == Severity::kError || o.strict;

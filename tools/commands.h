@@ -20,6 +20,7 @@ void RegisterDesign(CLI::App& app, Action& run);
 void RegisterValidate(CLI::App& app, Action& run);
 void RegisterFmt(CLI::App& app, Action& run);
 void RegisterDiff(CLI::App& app, Action& run);
+void RegisterReport(CLI::App& app, Action& run);
 
 }  // namespace heron_tool
 

@@ -4,6 +4,7 @@
 #include "record_values.h"
 
 #include <cstdio>
+#include <iterator>
 
 #include "filter_layouts.h"
 
@@ -20,14 +21,6 @@ std::string Values(const std::string& bytes, const FieldLayout& f, uint32_t firs
   return s + "]";
 }
 
-// The coefficient regions that hold filters: their words, the width they are
-// read at, how they are laid out and which field gives a cascade's order.
-struct FilterRegion {
-  const char* field;
-  const char* order_field;  // null: a fixed layout
-  int width;
-  FilterLayout layout;
-};
 constexpr FilterRegion kFilterRegions[] = {
     {"hpf.coeffs", "hpf.order", 32, FilterLayout::kCascade},
     {"aeq.bank[0].iir_coeffs", "aeq.bank[0].iir_order", 32, FilterLayout::kCascade},
@@ -56,6 +49,13 @@ int Sections(const uint8_t* record, const FilterRegion& r, const FieldLayout& wo
 }
 
 }  // namespace
+
+std::vector<FilterRegion> PostmixFilterRegions() { return {std::begin(kFilterRegions), std::end(kFilterRegions)}; }
+
+std::vector<quillheron::analysis::Cascade> RegionFilters(const uint8_t* record, const FilterRegion& r) {
+  const FieldLayout& f = *qh_catalogue::FindField(qh_catalogue::kPostmix, r.field);
+  return LayoutFilters(r.layout, Sections(record, r, f), FieldWords(record, f), r.width);
+}
 
 std::vector<std::string> ResponseDifferences(const std::string& a, const std::string& b, int rate) {
   std::vector<std::string> out;

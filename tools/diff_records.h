@@ -8,8 +8,25 @@
 #include <vector>
 
 #include "diff_settings.h"
+#include "filter_layouts.h"
 
 namespace heron_tool {
+
+// A coefficient region of the postmix record that holds filters: its words,
+// the width they are read at, how they are laid out and which field gives a
+// cascade's order.
+struct FilterRegion {
+  const char* field;
+  const char* order_field;  // null: a fixed layout
+  int width;
+  FilterLayout layout;
+};
+
+// Every such region, in record order.
+std::vector<FilterRegion> PostmixFilterRegions();
+
+// The filters region `r` of a postmix record holds (LayoutFilters).
+std::vector<quillheron::analysis::Cascade> RegionFilters(const uint8_t* record, const FilterRegion& r);
 
 // REQUIRES: a and b of the same size, the size of a record.
 std::vector<Difference> DiffRecords(const std::string& a, const std::string& b);

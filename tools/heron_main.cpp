@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
   heron_tool::RegisterValidate(app, run);
   heron_tool::RegisterFmt(app, run);
   heron_tool::RegisterDiff(app, run);
+  heron_tool::RegisterReport(app, run);
 
   try {
     app.parse(argc, argv);

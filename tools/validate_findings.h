@@ -59,6 +59,17 @@ const std::vector<Rule>& ValidateRules();
 void PopulateFindings(const quill::pb::hub::RouteConfiguration& route, const LoadedModels& models, int rate,
                       int room_mask, std::vector<Finding>* findings);
 
+// The rates `heron validate` checks: those of `rate_list` ("44100,48000"), or
+// when it is empty every rate a coefficient table covers, and 48000. Throws
+// ToolError for a malformed list.
+std::vector<int> RatesToCheck(const std::string& rate_list, const quill::pb::hub::RouteConfiguration& route,
+                              const LoadedModels& models);
+
+// Every finding of `heron validate` at `rates`: errors first, then by rate;
+// warnings that repeat the step of an error at the same rate left out.
+std::vector<Finding> ValidateFindings(const quill::pb::hub::RouteConfiguration& route, const LoadedModels& models,
+                                      const std::vector<int>& rates, int room_mask);
+
 }  // namespace heron_tool
 
 #endif  // QUILLHERON_TOOLS_VALIDATE_FINDINGS_H_

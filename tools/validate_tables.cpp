@@ -35,23 +35,13 @@ constexpr double kAgreementDb = 0.5;
 
 using Layout = FilterLayout;
 
-// One table as the filter it holds.
-struct TableFilter {
-  std::string path;  // "postmix.hpf_coef.coeffs (48000 Hz)"
-  const char* step;
-  const CoefTable* table;
-  int width;            // the list the loader reads: 32 (coeff_32) or 16 (coeff_16)
-  Layout layout;
-  int sections;         // cascades: from the order
-  std::string designed_from;          // what the settings say it is, "" when nothing
-  std::function<bool(int width, std::vector<int64_t>* words)> redesign;  // same width, same layout
-};
-
 std::string Hz(double hz) {
   char buf[32];
   std::snprintf(buf, sizeof buf, "%g Hz", hz);
   return buf;
 }
+
+}  // namespace
 
 std::vector<int64_t> Words(const CoefTable& t, int width) {
   std::vector<int64_t> w;
@@ -60,6 +50,8 @@ std::vector<int64_t> Words(const CoefTable& t, int width) {
   if (width == 16) w.assign(t.coeff_16().begin(), t.coeff_16().end());
   return w;
 }
+
+namespace {
 
 int ExpectedLength(const TableFilter& f) { return LayoutLength(f.layout, f.sections); }
 
@@ -119,6 +111,8 @@ TableFilter Butterworth(const std::string& path, const char* step, const CoefTab
 
 // Findings carry the rate beside the path, so the path names the list.
 std::string At(const std::string& path, int) { return path; }
+
+}  // namespace
 
 // Every table of the settings for `rate`, as filters.
 std::vector<TableFilter> TablesAt(const RuleContext& c) {
@@ -203,6 +197,8 @@ std::vector<TableFilter> TablesAt(const RuleContext& c) {
   }
   return out;
 }
+
+namespace {
 
 std::string DifferenceText(const std::pair<double, double>& d) {
   char buf[64];

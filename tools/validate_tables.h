@@ -2,9 +2,30 @@
 #ifndef QUILLHERON_TOOLS_VALIDATE_TABLES_H_
 #define QUILLHERON_TOOLS_VALIDATE_TABLES_H_
 
+#include <functional>
+
+#include "filter_layouts.h"
 #include "validate_findings.h"
 
 namespace heron_tool {
+
+// One coefficient table of the settings as the filter it holds.
+struct TableFilter {
+  std::string path;  // "postmix.hpf_coef.coeffs"
+  const char* step;
+  const quill::pb::coef::CoefTable* table;
+  int width;            // the list the loader reads: 32 (coeff_32) or 16 (coeff_16)
+  FilterLayout layout;
+  int sections;         // cascades: from the order
+  std::string designed_from;          // what the settings say it is, "" when nothing
+  std::function<bool(int width, std::vector<int64_t>* words)> redesign;  // same width, same layout
+};
+
+// Every table of the settings (and of the models searched) for the context's rate.
+std::vector<TableFilter> TablesAt(const RuleContext& c);
+
+// The words of one width of a table (32, 24 or 16).
+std::vector<int64_t> Words(const quill::pb::coef::CoefTable& t, int width);
 
 // A cascade table whose length does not fit its order (or a layout's length).
 void TableLengths(const RuleContext& c);

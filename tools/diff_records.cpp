@@ -22,15 +22,15 @@ std::string Values(const std::string& bytes, const FieldLayout& f, uint32_t firs
 }
 
 constexpr FilterRegion kFilterRegions[] = {
-    {"hpf.coeffs", "hpf.order", 32, FilterLayout::kCascade},
-    {"aeq.bank[0].iir_coeffs", "aeq.bank[0].iir_order", 32, FilterLayout::kCascade},
-    {"aeq.bank[1].iir_coeffs", "aeq.bank[1].iir_order", 32, FilterLayout::kCascade},
-    {"brio_hpf.coeffs", "brio_hpf.order", 16, FilterLayout::kCascade},
-    {"brio_xover.lpf_coeffs", "brio_xover.order", 16, FilterLayout::kCascade},
-    {"brio_xover.hpf_coeffs", "brio_xover.order", 16, FilterLayout::kCascade},
-    {"thumpx.coeffs", nullptr, 32, FilterLayout::kThumpx},
-    {"mbhl_coef.low_cross_coeffs", nullptr, 32, FilterLayout::kCrossover},
-    {"mbhl_coef.mid_cross_coeffs", nullptr, 32, FilterLayout::kCrossover},
+    {"hpf.coeffs", "hpf.order", FilterLayout::kCascade},
+    {"aeq.bank[0].iir_coeffs", "aeq.bank[0].iir_order", FilterLayout::kCascade},
+    {"aeq.bank[1].iir_coeffs", "aeq.bank[1].iir_order", FilterLayout::kCascade},
+    {"brio_hpf.coeffs", "brio_hpf.order", FilterLayout::kCascade},
+    {"brio_xover.lpf_coeffs", "brio_xover.order", FilterLayout::kCascade},
+    {"brio_xover.hpf_coeffs", "brio_xover.order", FilterLayout::kCascade},
+    {"thumpx.coeffs", nullptr, FilterLayout::kThumpx},
+    {"mbhl_coef.low_cross_coeffs", nullptr, FilterLayout::kCrossover},
+    {"mbhl_coef.mid_cross_coeffs", nullptr, FilterLayout::kCrossover},
 };
 
 std::vector<int64_t> FieldWords(const uint8_t* record, const FieldLayout& f) {
@@ -50,11 +50,13 @@ int Sections(const uint8_t* record, const FilterRegion& r, const FieldLayout& wo
 
 }  // namespace
 
+int RegionWidth(const FilterRegion& r) { return 8 * qh_catalogue::FindField(qh_catalogue::kPostmix, r.field)->width; }
+
 std::vector<FilterRegion> PostmixFilterRegions() { return {std::begin(kFilterRegions), std::end(kFilterRegions)}; }
 
 std::vector<quillheron::analysis::Cascade> RegionFilters(const uint8_t* record, const FilterRegion& r) {
   const FieldLayout& f = *qh_catalogue::FindField(qh_catalogue::kPostmix, r.field);
-  return LayoutFilters(r.layout, Sections(record, r, f), FieldWords(record, f), r.width);
+  return LayoutFilters(r.layout, Sections(record, r, f), FieldWords(record, f), RegionWidth(r));
 }
 
 std::vector<std::string> ResponseDifferences(const std::string& a, const std::string& b, int rate) {
@@ -69,8 +71,8 @@ std::vector<std::string> ResponseDifferences(const std::string& a, const std::st
     for (uint32_t i = 0; i < f.count && same; ++i) same = qh_catalogue::SameElement(pa, pb, f, i);
     if (order) same = same && qh_catalogue::SameElement(pa, pb, *order, 0);
     if (same) continue;
-    const auto fa = LayoutFilters(r.layout, Sections(pa, r, f), FieldWords(pa, f), r.width);
-    const auto fb = LayoutFilters(r.layout, Sections(pb, r, f), FieldWords(pb, f), r.width);
+    const auto fa = RegionFilters(pa, r);
+    const auto fb = RegionFilters(pb, r);
     const auto d = LargestDifference(fa, fb, rate);
     char line[160];
     if (d) {

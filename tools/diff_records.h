@@ -13,14 +13,16 @@
 namespace heron_tool {
 
 // A coefficient region of the postmix record that holds filters: its words,
-// the width they are read at, how they are laid out and which field gives a
-// cascade's order.
+// how they are laid out and which field gives a cascade's order. The word
+// width is the field's element width in the record catalogue.
 struct FilterRegion {
   const char* field;
   const char* order_field;  // null: a fixed layout
-  int width;
   FilterLayout layout;
 };
+
+// The bits of one word of the region: 32 or 16.
+int RegionWidth(const FilterRegion& r);
 
 // Every such region, in record order.
 std::vector<FilterRegion> PostmixFilterRegions();

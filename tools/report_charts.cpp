@@ -92,7 +92,7 @@ std::vector<an::Cascade> Region(const RateRecord& r, const char* field) {
 
 int RegionWidth(const char* field) {
   for (const FilterRegion& region : PostmixFilterRegions()) {
-    if (std::strcmp(region.field, field) == 0) return region.width;
+    if (std::strcmp(region.field, field) == 0) return RegionWidth(region);
   }
   return 32;
 }

@@ -8,13 +8,15 @@
 // that block sum then added to the node's total. So the totals, and all that
 // is derived from them, are the same bytes.
 //
-// Lane k's block b covers steps 128b + k .. 128b + 127 + k. Steps are run in
-// frames aligned on the last section: frame f is steps 128f + S - 1 ..
-// 128f + 127 + S - 1, after a prologue of S - 1 steps, so that every lane ends
-// block f within frame f (lane k after frame step 128 - S + k) and the last
-// section's block, which decides whether the decay phase is over, ends the
-// frame. What leading lanes run past it belongs to block f + 1 and is dropped
-// when the pass stops. Before its first sample a lane sees only zero inputs
+// A step adds the magnitudes of the values of the step before, once they have
+// served as operands (so no copy of them is kept), and then computes new ones.
+// Lane k's block b covers steps 128b + k .. 128b + 127 + k, so its block sums
+// are complete during step 128b + 128 + k. Steps run in frames aligned on the
+// last section: frame f is steps 128f + S .. 128f + 127 + S, after a prologue
+// of S steps, so that every lane completes block f within frame f (lane k at
+// frame step 128 - S + k) and the last section's block, which decides whether
+// the decay phase is over, completes in the frame's last step. What leading
+// lanes run past it belongs to block f + 1 and is dropped when the pass stops. Before its first sample a lane sees only zero inputs
 // and keeps zero states and sums (signs of zeros aside, which no magnitude or
 // non-zero value depends on), provided every coefficient is finite: 0 * inf
 // would be a not-a-number.
@@ -59,14 +61,16 @@ struct alignas(16) LaneState {
   float link[kBlock];         // a chunk's input per frame step; see RunChunk
 };
 
-// Runs `steps` steps of the chunk of `lanes` lanes (V vectors, held in
-// registers) starting at lane `first`. Step j takes its input from link[j];
-// with kLinkOut it leaves there instead the chunk's last lane's output of step
-// j - 1, which is the next chunk's input at step j. Chunk lane i ends its
-// block after step ends_at + i (none when that is past the run). Returns the
-// block output sum of the chunk's last lane when it ends its block, else 0.
-template <class L, int V, bool kLinkOut>
-float RunChunk(LaneState& st, int first, int lanes, int steps, int ends_at, typename L::Watch& watch) {
+// Runs steps [begin, end) of the chunk of `lanes` lanes (V vectors, held in
+// registers) starting at lane `first`. With kLinkIn step j takes its input
+// from link[j], otherwise the input is 0. With kLinkOut step j leaves in
+// link[j] the chunk's last lane's output of step j - 1, which is the next
+// chunk's input at step j. Chunk lane i completes its block in step
+// ends_at + i (none when that is outside the run). Returns the block output
+// sum of the chunk's last lane when it completes one, else 0.
+template <class L, int V, bool kLinkIn, bool kLinkOut>
+float RunChunk(LaneState& st, int first, int lanes, int begin, int end, int ends_at,
+               typename L::Watch& watch) {
   L b0[V], b1[V], b2[V], a1[V], a2[V], s1[V], s2[V], y[V], out_sum[V], s1_sum[V], s2_sum[V];
 #pragma GCC unroll 4
   for (int v = 0; v < V; ++v) {
@@ -84,28 +88,32 @@ float RunChunk(LaneState& st, int first, int lanes, int steps, int ends_at, type
     s2_sum[v] = L::Load(&st.block[2][i]);
   }
   float last = 0.0f;
-  for (int j = 0; j < steps; ++j) {
-    // One step of every lane: lanes move up by one, the input enters lane 0.
-    const float in = st.link[j];
+  for (int j = begin; j < end; ++j) {
+    // Lanes move up by one; the input enters lane 0. Vectors are updated from
+    // the last one down, so each still finds the old output of the one below.
+    const float in = kLinkIn ? st.link[j] : 0.0f;
     if (kLinkOut) st.link[j] = LastLane(y[V - 1]);
-    L x[V];
-    x[0] = ShiftIn(in, y[0]);
 #pragma GCC unroll 4
-    for (int v = 1; v < V; ++v) x[v] = ShiftIn(y[v - 1], y[v]);
-#pragma GCC unroll 4
-    for (int v = 0; v < V; ++v) {
-      const L out = s1[v] + b0[v] * x[v];
-      s1[v] = s2[v] + b1[v] * x[v] + a1[v] * out;
-      s2[v] = b2[v] * x[v] + a2[v] * out;
-      const L magnitude = Abs(out);
-      out_sum[v] = out_sum[v] + magnitude;
-      s1_sum[v] = s1_sum[v] + Abs(s1[v]);
-      s2_sum[v] = s2_sum[v] + Abs(s2[v]);
-      watch.See(magnitude);
-      y[v] = out;
+    for (int v = V - 1; v >= 0; --v) {
+      L x;
+      if (v > 0) {
+        x = ShiftIn(y[v - 1], y[v]);
+      } else if (kLinkIn) {
+        x = ShiftIn(in, y[0]);
+      } else {
+        x = ShiftInZero(y[0]);
+      }
+      const L y_was = y[v], s1_was = s1[v], s2_was = s2[v];
+      y[v] = s1_was + b0[v] * x;
+      s1[v] = s2_was + b1[v] * x + a1[v] * y[v];
+      s2[v] = b2[v] * x + a2[v] * y[v];
+      out_sum[v] = out_sum[v] + Abs(y_was);
+      s1_sum[v] = s1_sum[v] + Abs(s1_was);
+      s2_sum[v] = s2_sum[v] + Abs(s2_was);
+      watch.See(Abs(y[v]));
     }
-    // Lane i ends its block: its block sums go to its totals and restart
-    // from 0 (adding +0 leaves the other lanes' totals as they are).
+    // Lane i's block is complete: its sums go to its totals and restart from
+    // 0 (adding +0 leaves the other lanes' totals as they are).
     const unsigned i = static_cast<unsigned>(j - ends_at);
     if (i >= static_cast<unsigned>(lanes)) continue;
 #pragma GCC unroll 4
@@ -137,15 +145,28 @@ float RunChunk(LaneState& st, int first, int lanes, int steps, int ends_at, type
   return last;
 }
 
-// RunChunk with V = the vectors `lanes` needs, at most kChunkVectors.
+// RunChunk with V = the vectors `lanes` needs, at most kChunkVectors. The
+// first chunk's input is the impulse: 1 at global step 0, else 0.
 template <class L, int V = kChunkVectors>
-float RunChunkOf(LaneState& st, int first, int lanes, bool link_out, int steps, int ends_at,
-                 typename L::Watch& watch) {
+float RunChunkOf(LaneState& st, int first, int lanes, bool link_out, int steps, bool impulse_first,
+                 int ends_at, typename L::Watch& watch) {
   if constexpr (V > 1) {
-    if (lanes <= 4 * (V - 1)) return RunChunkOf<L, V - 1>(st, first, lanes, link_out, steps, ends_at, watch);
+    if (lanes <= 4 * (V - 1)) {
+      return RunChunkOf<L, V - 1>(st, first, lanes, link_out, steps, impulse_first, ends_at, watch);
+    }
   }
-  return link_out ? RunChunk<L, V, true>(st, first, lanes, steps, ends_at, watch)
-                  : RunChunk<L, V, false>(st, first, lanes, steps, ends_at, watch);
+  if (first > 0) {
+    return link_out ? RunChunk<L, V, true, true>(st, first, lanes, 0, steps, ends_at, watch)
+                    : RunChunk<L, V, true, false>(st, first, lanes, 0, steps, ends_at, watch);
+  }
+  // The impulse step completes no block (it is the prologue's first).
+  const int begin = impulse_first && steps > 0 ? 1 : 0;
+  if (begin == 1) {
+    if (link_out) RunChunk<L, V, true, true>(st, first, lanes, 0, 1, ends_at, watch);
+    else RunChunk<L, V, true, false>(st, first, lanes, 0, 1, ends_at, watch);
+  }
+  return link_out ? RunChunk<L, V, false, true>(st, first, lanes, begin, steps, ends_at, watch)
+                  : RunChunk<L, V, false, false>(st, first, lanes, begin, steps, ends_at, watch);
 }
 
 // A chunk's progress and the link, kept to run a frame again.
@@ -190,28 +211,28 @@ class Wavefront {
       : st_(st), sections_(sections), small_limit_(small_limit) {}
 
   float Run(int steps, long t0, int ends_at) {
-    std::memset(st_.link, 0, sizeof st_.link);
-    if (t0 == 0 && steps > 0) st_.link[0] = 1.0f;  // the unit impulse
+    const bool impulse = t0 == 0;
+    if (impulse) st_.link[0] = 1.0f;  // the unit impulse, read by the first chunk's first step
     float last = 0.0f;
     for (int first = 0; first < sections_; first += kChunkLanes) {
       const int lanes = sections_ - first < kChunkLanes ? sections_ - first : kChunkLanes;
-      last = RunChecked(first, lanes, first + lanes < sections_, steps, ends_at + first);
+      last = RunChecked(first, lanes, first + lanes < sections_, steps, impulse, ends_at + first);
     }
     return last;
   }
 
  private:
-  float RunChecked(int first, int lanes, bool link_out, int steps, int ends_at) {
+  float RunChecked(int first, int lanes, bool link_out, int steps, bool impulse, int ends_at) {
     typename L::Watch watch;
     if constexpr (!L::kFlushesSubnormals) {
-      return RunChunkOf<L>(st_, first, lanes, link_out, steps, ends_at, watch);
+      return RunChunkOf<L>(st_, first, lanes, link_out, steps, impulse, ends_at, watch);
     } else {
       Snapshot snapshot(st_, first, steps);
-      const float last = RunChunkOf<L>(st_, first, lanes, link_out, steps, ends_at, watch);
+      const float last = RunChunkOf<L>(st_, first, lanes, link_out, steps, impulse, ends_at, watch);
       if (!watch.SawBelow(small_limit_)) return last;
       snapshot.Restore(st_);
       PlainLanes4::Watch none;
-      return RunChunkOf<PlainLanes4>(st_, first, lanes, link_out, steps, ends_at, none);
+      return RunChunkOf<PlainLanes4>(st_, first, lanes, link_out, steps, impulse, ends_at, none);
     }
   }
 
@@ -253,10 +274,10 @@ bool Measure(const float* cascade, int sections, long decay_cap_blocks, float* s
     for (int n = 0; n < 5; ++n) st.coef[n][s] = cascade[5 * s + n];
   }
   Wavefront<L> wave(st, sections, small_limit);
-  // Prologue: the wavefront fills, no lane ends a block.
-  wave.Run(sections - 1, 0, INT_MAX / 2);
+  // Prologue: the impulse enters, the wavefront fills, no block completes.
+  wave.Run(sections, 0, INT_MAX / 2);
   for (long f = 0;; ++f) {
-    const long t0 = sections - 1 + kBlock * f;
+    const long t0 = sections + kBlock * f;
     const float last = wave.Run(kBlock, t0, kBlock - sections);
     if (f < kScaleInitialBlocks) continue;
     if (static_cast<double>(last) <= kScaleDecayThreshold) break;

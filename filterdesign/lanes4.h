@@ -49,8 +49,9 @@ struct PlainLanes4 {
   friend PlainLanes4 ShiftIn(const PlainLanes4& prev, const PlainLanes4& cur) {
     return {{prev.v[3], cur.v[0], cur.v[1], cur.v[2]}};
   }
-  // {x, cur[0], cur[1], cur[2]}.
+  // {x, cur[0], cur[1], cur[2]} / {+0, cur[0], cur[1], cur[2]}.
   friend PlainLanes4 ShiftIn(float x, const PlainLanes4& cur) { return {{x, cur.v[0], cur.v[1], cur.v[2]}}; }
+  friend PlainLanes4 ShiftInZero(const PlainLanes4& cur) { return {{0.0f, cur.v[0], cur.v[1], cur.v[2]}}; }
   // a with every lane but d set to +0 / a with lane d set to +0.
   friend PlainLanes4 KeepLane(const PlainLanes4& a, int d) {
     PlainLanes4 r = Zero();
@@ -82,7 +83,11 @@ struct SseLanes4 {
   static SseLanes4 Zero() { return {_mm_setzero_ps()}; }
   friend SseLanes4 operator+(SseLanes4 a, SseLanes4 b) { return {_mm_add_ps(a.v, b.v)}; }
   friend SseLanes4 operator*(SseLanes4 a, SseLanes4 b) { return {_mm_mul_ps(a.v, b.v)}; }
-  friend SseLanes4 Abs(SseLanes4 a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }
+  // AND with 0x7fffffff: a commutative operation, so a value that is not
+  // needed afterwards can be cleared in place.
+  friend SseLanes4 Abs(SseLanes4 a) {
+    return {_mm_and_ps(a.v, _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)))};
+  }
   friend SseLanes4 ShiftIn(SseLanes4 prev, SseLanes4 cur) {
     const __m128 t = _mm_shuffle_ps(prev.v, cur.v, _MM_SHUFFLE(0, 0, 3, 3));  // p3 p3 c0 c0
     return {_mm_shuffle_ps(t, cur.v, _MM_SHUFFLE(2, 1, 2, 0))};             // p3 c0 c1 c2
@@ -90,6 +95,9 @@ struct SseLanes4 {
   friend SseLanes4 ShiftIn(float x, SseLanes4 cur) {
     const __m128 t = _mm_shuffle_ps(cur.v, cur.v, _MM_SHUFFLE(2, 1, 0, 0));  // c0 c0 c1 c2
     return {_mm_move_ss(t, _mm_set_ss(x))};
+  }
+  friend SseLanes4 ShiftInZero(SseLanes4 cur) {
+    return {_mm_castsi128_ps(_mm_slli_si128(_mm_castps_si128(cur.v), 4))};
   }
   friend SseLanes4 KeepLane(SseLanes4 a, int d) {
     return {_mm_and_ps(a.v, _mm_load_ps(reinterpret_cast<const float*>(kLaneMask4[d])))};
@@ -129,6 +137,7 @@ struct NeonLanes4 {
   friend NeonLanes4 ShiftIn(float x, NeonLanes4 cur) {
     return {vsetq_lane_f32(x, vextq_f32(cur.v, cur.v, 3), 0)};
   }
+  friend NeonLanes4 ShiftInZero(NeonLanes4 cur) { return {vextq_f32(vdupq_n_f32(0.0f), cur.v, 3)}; }
   friend NeonLanes4 KeepLane(NeonLanes4 a, int d) {
     return {vreinterpretq_f32_u32(vandq_u32(vreinterpretq_u32_f32(a.v), vld1q_u32(kLaneMask4[d])))};
   }

@@ -188,11 +188,11 @@ void ScaleCascade(float* cascade, int section_count, float* workspace, ScalePath
   bool measured = false;
   switch (path) {
     case ScalePath::kAuto:
-      measured = section_count >= kLaneMinSections && HasNativeLanes() &&
+      measured = section_count >= kLaneMinSections &&
                  MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
       break;
     case ScalePath::kLanes:
-      measured = HasNativeLanes() && MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
+      measured = MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
       break;
     case ScalePath::kPlainLanes:
       measured = MeasureNodeSumsLanes(cascade, section_count, cap, true, w.sums);

@@ -41,8 +41,9 @@ bool HasNativeLanes();
 // sums[3s + 2] receive the L1 sums of its output, state 1 and state 2 over the
 // impulse blocks and the decay blocks. Returns false, writing nothing, for a
 // cascade it does not take (see kLaneMaxSections; on lanes that flush
-// subnormals also any subnormal coefficient). decay_cap_blocks bounds the
-// decay phase as the section-after-section pass does.
+// subnormals also any coefficient below 2^-103), and always in a build
+// without SIMD lanes unless plain_lanes. decay_cap_blocks bounds the decay
+// phase as the section-after-section pass does.
 bool MeasureNodeSumsLanes(const float* cascade, int sections, long decay_cap_blocks, bool plain_lanes,
                           float* sums);
 

@@ -103,14 +103,17 @@ float RunChunk(LaneState& st, int first, int lanes, int begin, int end, int ends
       } else {
         x = ShiftInZero(y[0]);
       }
-      const L y_was = y[v], s1_was = s1[v], s2_was = s2[v];
-      y[v] = s1_was + b0[v] * x;
-      s1[v] = s2_was + b1[v] * x + a1[v] * y[v];
-      s2[v] = b2[v] * x + a2[v] * y[v];
-      out_sum[v] = out_sum[v] + Abs(y_was);
-      s1_sum[v] = s1_sum[v] + Abs(s1_was);
-      s2_sum[v] = s2_sum[v] + Abs(s2_was);
-      watch.See(Abs(y[v]));
+      // Each old value's magnitude is taken right after its last use, which
+      // keeps few values alive at once (SSE2 has 16 registers).
+      out_sum[v] = out_sum[v] + Abs(y[v]);
+      const L out = s1[v] + b0[v] * x;
+      s1_sum[v] = s1_sum[v] + Abs(s1[v]);
+      const L partial = s2[v] + b1[v] * x;
+      s2_sum[v] = s2_sum[v] + Abs(s2[v]);
+      s2[v] = b2[v] * x + a2[v] * out;
+      s1[v] = partial + a1[v] * out;
+      y[v] = out;
+      watch.See(Abs(out));
     }
     // Lane i's block is complete: its sums go to its totals and restart from
     // 0 (adding +0 leaves the other lanes' totals as they are).

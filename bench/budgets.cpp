@@ -28,7 +28,7 @@ const RatioBudget kRatioBudgets[] = {
 // Instructions per call of the designers whose scaling pass runs sections in
 // SIMD lanes, against the counts measured before it did (callgrind, Release):
 // the 10-band parametric EQ took 5,357,641 and must take at most a quarter;
-// the 4th-order Butterworths (two sections, still section after section) must
+// the 4th-order Butterworths (two sections, in lanes as well) must
 // not take more (1% allowed for the compiler's whims).
 struct InstructionBudget {
   const char* operation;

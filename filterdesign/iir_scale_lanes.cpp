@@ -266,11 +266,8 @@ float SmallSignalLimit(const float* cascade, int sections) {
 
 template <class L>
 bool Measure(const float* cascade, int sections, long decay_cap_blocks, float* sums) {
-  float small_limit = 0.0f;
-  if constexpr (L::kFlushesSubnormals) {
-    small_limit = SmallSignalLimit(cascade, sections);
-    if (small_limit == 0.0f) return false;
-  }
+  const float small_limit = SmallSignalLimit(cascade, sections);  // used where lanes flush
+  if (L::kFlushesSubnormals && small_limit == 0.0f) return false;
   LaneState st;
   std::memset(&st, 0, sizeof st);
   for (int s = 0; s < sections; ++s) {

@@ -16,10 +16,10 @@
 // of S steps, so that every lane completes block f within frame f (lane k at
 // frame step 128 - S + k) and the last section's block, which decides whether
 // the decay phase is over, completes in the frame's last step. What leading
-// lanes run past it belongs to block f + 1 and is dropped when the pass stops. Before its first sample a lane sees only zero inputs
-// and keeps zero states and sums (signs of zeros aside, which no magnitude or
-// non-zero value depends on), provided every coefficient is finite: 0 * inf
-// would be a not-a-number.
+// lanes run past it belongs to block f + 1 and is dropped when the pass stops.
+// Before its first sample a lane sees only zero inputs and keeps zero states
+// and sums (signs of zeros aside, which no magnitude or non-zero value depends
+// on), provided every coefficient is finite: 0 * inf would be a not-a-number.
 //
 // Up to 4 * kChunkVectors lanes run as one chunk held in registers; longer
 // cascades run chunk after chunk through each frame, a chunk handing its last

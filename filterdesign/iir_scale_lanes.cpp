@@ -25,9 +25,10 @@
 // cascades run chunk after chunk through each frame, a chunk handing its last
 // lane's outputs to the next one in LaneState::link.
 //
-// NEON flushes subnormals to zero. A chunk's frame that met a value small
-// enough for that to matter is run again from a snapshot on the four-float
-// fallback lanes, which the VFP unit computes in full IEEE arithmetic.
+// NEON flushes subnormals to zero. A chunk's frame that starts from, or meets,
+// a value small enough for that to matter runs (again, from a snapshot) on the
+// four-float fallback lanes, which the VFP unit computes in full IEEE
+// arithmetic.
 #include <cfloat>
 #include <climits>
 #include <cmath>
@@ -172,6 +173,10 @@ float RunChunkOf(LaneState& st, int first, int lanes, bool link_out, int steps, 
                   : RunChunk<L, V, false, false>(st, first, lanes, begin, steps, ends_at, watch);
 }
 
+// 2^-103: a non-zero float of at least this magnitude is a multiple of 2^-126,
+// the smallest normal float.
+constexpr double kFullSpacing = 0x1p-103;
+
 // A chunk's progress and the link, kept to run a frame again.
 class Snapshot {
  public:
@@ -230,13 +235,38 @@ class Wavefront {
     if constexpr (!L::kFlushesSubnormals) {
       return RunChunkOf<L>(st_, first, lanes, link_out, steps, impulse, ends_at, watch);
     } else {
+      PlainLanes4::Watch none;
+      if (!CarriesOnlyCoarseValues(first, lanes)) {
+        return RunChunkOf<PlainLanes4>(st_, first, lanes, link_out, steps, impulse, ends_at, none);
+      }
       Snapshot snapshot(st_, first, steps);
       const float last = RunChunkOf<L>(st_, first, lanes, link_out, steps, impulse, ends_at, watch);
       if (!watch.SawBelow(small_limit_)) return last;
       snapshot.Restore(st_);
-      PlainLanes4::Watch none;
       return RunChunkOf<PlainLanes4>(st_, first, lanes, link_out, steps, impulse, ends_at, none);
     }
+  }
+
+  // True when every value the chunk carries into a frame is 0 or at least
+  // 2^-103 (a multiple of 2^-126, so sums with it never land in the subnormal
+  // range) and every output, a multiplicand, also at least the small-signal
+  // limit. A frame run on the fallback lanes may leave finer values behind.
+  bool CarriesOnlyCoarseValues(int first, int lanes) const {
+    const int end = first + (lanes + 3) / 4 * 4;
+    const auto coarse = [](const float* v, int from, int to, float limit) {
+      for (int i = from; i < to; ++i) {
+        const float m = std::fabs(v[i]);
+        if (m != 0.0f && m < limit) return false;
+      }
+      return true;
+    };
+    const float fine = static_cast<float>(kFullSpacing);
+    bool ok = coarse(st_.s1, first, end, fine) && coarse(st_.s2, first, end, fine) &&
+              coarse(st_.y, first, end, small_limit_ > fine ? small_limit_ : fine);
+    for (int n = 0; n < 3 && ok; ++n) {
+      ok = coarse(st_.block[n], first, end, fine) && coarse(st_.total[n], first, end, fine);
+    }
+    return ok;
   }
 
   LaneState& st_;
@@ -244,9 +274,6 @@ class Wavefront {
   const float small_limit_;
 };
 
-// 2^-103: a non-zero float of at least this magnitude is a multiple of 2^-126,
-// the smallest normal float.
-constexpr double kFullSpacing = 0x1p-103;
 
 // The magnitude under which a section output makes NEON's flushing matter.
 // Products of non-zero coefficients and signals of at least this magnitude

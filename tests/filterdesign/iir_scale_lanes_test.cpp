@@ -138,6 +138,15 @@ TEST(IirScaleLanes, EdgeCascades) {
   }
 }
 
+// Gains of 2^-100 and then 2^-30 carry the impulse response through the
+// subnormal range, and 2^60 brings it back: lanes that flushed subnormals to
+// zero would measure nothing for the last two sections.
+TEST(IirScaleLanes, SignalThroughTheSubnormalRange) {
+  const std::vector<float> c = {0x1p-100f, 0.0f, 0.0f, 0.5f, 0.0f,  0x1p-30f, 0.0f, 0.0f, 0.0f, 0.0f,
+                                0x1p60f,   0.0f, 0.0f, -0.5f, 0.0f, 1.0f};
+  ExpectSameWords(c, "through the subnormal range");
+}
+
 // Low corners and high orders: the impulse response underflows into
 // subnormals long before the decay threshold is reached.
 struct Butterworth {

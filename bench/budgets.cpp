@@ -25,6 +25,22 @@ const RatioBudget kRatioBudgets[] = {
     {"populate/premix/large", "parse/large/reused", 0.02},
 };
 
+// Instructions per call of the designers whose scaling pass runs sections in
+// SIMD lanes, against the counts measured before it did (callgrind, Release):
+// the 10-band parametric EQ took 5,357,641 and must take at most a quarter;
+// the 4th-order Butterworths (two sections, in lanes as well) must
+// not take more (1% allowed for the compiler's whims).
+struct InstructionBudget {
+  const char* operation;
+  double max_instructions;
+  const char* rule;
+};
+const InstructionBudget kInstructionBudgets[] = {
+    {"design/peq/10bands/fxp32", 5357641.0 / 4, "a quarter of 5,357,641"},
+    {"design/butterworth_low/order4/fxp32", 74987.0 * 1.01, "74,987 before, plus 1%"},
+    {"design/butterworth_high/order4/fxp32", 208908.0 * 1.01, "208,908 before, plus 1%"},
+};
+
 struct TimeBudget {
   const char* operation;
   double max_us;
@@ -33,6 +49,8 @@ const TimeBudget kTimeBudgets[] = {
     {"design/distprev/2x6bands", 20.0},
     {"design/butterworth_low/order4/fxp32", 20.0},
     {"design/butterworth_high/order4/fxp32", 20.0},
+    // A quarter of the 394 us CPU (median of 15) measured before the SIMD lanes.
+    {"design/peq/10bands/fxp32", 394.0 / 4},
 };
 
 const char* Verdict(bool ok) { return ok ? "PASS" : "FAIL"; }
@@ -74,6 +92,19 @@ int CheckBudgets(const std::map<std::string, double>& instructions,
                 op->second, 100.0 * ratio, b.reference, ref->second, 100.0 * b.max_ratio);
   }
 
+  for (const InstructionBudget& b : kInstructionBudgets) {
+    const auto op = instructions.find(b.operation);
+    if (op == instructions.end()) {
+      std::printf("  FAIL  %-34s no instruction count (run make bench-ir)\n", b.operation);
+      ++failed;
+      continue;
+    }
+    const bool ok = op->second <= b.max_instructions;
+    failed += ok ? 0 : 1;
+    std::printf("  %s  %-34s %12.0f Ir, budget %.0f Ir (%s)\n", Verdict(ok), b.operation, op->second,
+                b.max_instructions, b.rule);
+  }
+
   std::printf("\nHeap allocations (per call after a warm-up call)\n");
   int clean = 0;
   for (const Operation& op : Operations()) {
@@ -98,7 +129,7 @@ int CheckBudgets(const std::map<std::string, double>& instructions,
     }
     const bool ok = t->second.cpu_us < b.max_us;
     failed += ok ? 0 : 1;
-    std::printf("  %s  %-40s %8.2f us CPU (%.2f us wall), budget < %.0f us\n", Verdict(ok), b.operation,
+    std::printf("  %s  %-40s %8.2f us CPU (%.2f us wall), budget < %.1f us\n", Verdict(ok), b.operation,
                 t->second.cpu_us, t->second.real_us, b.max_us);
   }
   std::printf("\n%s: %d budget%s failed\n", failed == 0 ? "ALL BUDGETS MET" : "BUDGETS FAILED", failed,

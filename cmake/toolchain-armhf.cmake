@@ -11,7 +11,10 @@
 #     -DQH_ARMHF_SYSROOT=$PWD/build-arm/sysroot
 #
 # Options: QH_ARMHF_SYSROOT (default <source>/build-arm/sysroot),
-# QH_STATIC_EXECUTABLES (default ON).
+# QH_STATIC_EXECUTABLES (default ON). The project's QH_FILTERDESIGN_NEON=ON
+# (default OFF) builds filterdesign/ with -mfpu=neon, as on Android's 32-bit
+# Arm ABI; scripts/test-arm.sh builds the designers that way too, in
+# build-arm-neon/.
 
 # ---------------------------------------------------------------------------
 # Second pass: this file is also the project include (CMAKE_PROJECT_INCLUDE,

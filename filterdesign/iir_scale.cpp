@@ -6,16 +6,13 @@
 #include <cstring>
 
 #include "iir_internal.h"
+#include "iir_scale_internal.h"
 
 namespace qh {
 namespace fd {
 namespace {
 
 constexpr int kBlock = QH_IIR_SCALE_BLOCK_LENGTH;
-constexpr int kInitialBlocks = 10;
-// A block whose last-section output sums to no more than this (a mean
-// magnitude of 1e-12 per sample) ends the decay phase.
-constexpr double kDecayThreshold = 1.28e-10;
 // Decay blocks after which the pass gives up, so that every call returns.
 // A cascade whose sections all have their poles strictly inside the unit
 // circle always decays; it gets 2^18 blocks (2^25 samples, about 0.1 s per
@@ -139,23 +136,23 @@ float RunBlock(const float* cascade, int sections, const ScaleWorkspace& w) {
 
 void ZeroBlock(const ScaleWorkspace& w) { std::memset(w.block, 0, sizeof(float) * kBlock); }
 
-// Steps 1-4: impulse, nine silent blocks, then silent blocks until the
-// cascade's output has died away (or the safety cap / divergence stops it).
-void MeasureNodeSums(const float* cascade, int sections, const ScaleWorkspace& w) {
+// Steps 1-4, section after section: impulse, nine silent blocks, then silent
+// blocks until the cascade's output has died away (or the safety cap /
+// divergence stops it).
+void MeasureNodeSums(const float* cascade, int sections, long cap, const ScaleWorkspace& w) {
   std::memset(w.state, 0, sizeof(float) * 2 * sections);
   std::memset(w.sums, 0, sizeof(float) * 3 * sections);
   ZeroBlock(w);
   w.block[0] = 1.0f;
   RunBlock(cascade, sections, w);
-  for (int b = 1; b < kInitialBlocks; ++b) {
+  for (int b = 1; b < kScaleInitialBlocks; ++b) {
     ZeroBlock(w);
     RunBlock(cascade, sections, w);
   }
-  const long cap = StrictlyStable(cascade, sections) ? kScaleDecayBlockCap : kUnstableDecayBlockCap;
   for (long b = 0; b < cap; ++b) {
     ZeroBlock(w);
     const float last = RunBlock(cascade, sections, w);
-    if (static_cast<double>(last) <= kDecayThreshold) break;
+    if (static_cast<double>(last) <= kScaleDecayThreshold) break;
     if (!std::isfinite(last)) break;  // diverged: it will never decay
   }
 }
@@ -183,6 +180,31 @@ void ApplyScaling(float* cascade, int sections, const float* peaks) {
 }
 
 }  // namespace
+
+void ScaleCascade(float* cascade, int section_count, float* workspace, ScalePath path) {
+  if (section_count <= 0) return;
+  const ScaleWorkspace w(workspace, section_count);
+  const long cap = StrictlyStable(cascade, section_count) ? kScaleDecayBlockCap : kUnstableDecayBlockCap;
+  bool measured = false;
+  switch (path) {
+    case ScalePath::kAuto:
+      measured = section_count >= kLaneMinSections &&
+                 MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
+      break;
+    case ScalePath::kLanes:
+      measured = MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
+      break;
+    case ScalePath::kPlainLanes:
+      measured = MeasureNodeSumsLanes(cascade, section_count, cap, true, w.sums);
+      break;
+    case ScalePath::kSections:
+      break;
+  }
+  if (!measured) MeasureNodeSums(cascade, section_count, cap, w);
+  CollapseToPeaks(section_count, w.sums);
+  ApplyScaling(cascade, section_count, w.sums);
+}
+
 }  // namespace fd
 }  // namespace qh
 
@@ -208,11 +230,7 @@ void SOS_TransposedDirectForm2Filter(const float coefficients[5], float state[2]
 
 QH_EXPORT void ScaleCascadedTransposedDirectForm2IIR(float* cascade, int section_count,
                                                      float* workspace) {
-  if (section_count <= 0) return;
-  const qh::fd::ScaleWorkspace w(workspace, section_count);
-  qh::fd::MeasureNodeSums(cascade, section_count, w);
-  qh::fd::CollapseToPeaks(section_count, w.sums);
-  qh::fd::ApplyScaling(cascade, section_count, w.sums);
+  qh::fd::ScaleCascade(cascade, section_count, workspace, qh::fd::ScalePath::kAuto);
 }
 
 QH_EXPORT void OVA_ScaleCascadedTransposedDirectForm2IIR(float* cascade, int order, void* workspace) {

@@ -2,12 +2,14 @@
 # The 32-bit Arm (armhf) lane: cross-builds the library, the tests and the
 # heron tool into build-arm/ (static executables), runs the whole test suite
 # under qemu-arm, and checks that armhf and the build machine produce the same
-# bytes: every designer over a parameter sweep, and the records that
+# bytes: every designer over a parameter sweep (built once more with NEON for
+# the designers, their tests also run under qemu-arm), and the records that
 # `heron populate` writes for the examples and what `heron convert` rebuilds
 # from them, at 44100 and 48000 Hz.
 #
 # Usage: scripts/test-arm.sh          (make test-arm)
 # Environment: JOBS (default 2), ARM_BUILD_DIR (build-arm),
+#              ARM_NEON_BUILD_DIR (build-arm-neon, the designers with NEON),
 #              HOST_BUILD_DIR (build-hostid, the build machine's side; heron is
 #              taken from build/ instead when that one is up to date).
 # The heron part is skipped, with a message, while the tree has no heron tool
@@ -150,6 +152,49 @@ compare designer_sweep.bin.index
 if ! cmp -s "$OUT/host/designer_sweep.bin" "$OUT/arm/designer_sweep.bin"; then
   "$ROOT/tests/identity/explain_diff.sh" "$OUT/host/designer_sweep.bin" "$OUT/arm/designer_sweep.bin" || true
 fi
+
+# ---------------------------------------------------------------------------
+# NEON steps: the designers once more, built with QH_FILTERDESIGN_NEON=ON (as on
+# Android's 32-bit Arm ABI) in $ARM_NEON: their tests under the emulator and
+# the designer sweep against the build machine. The rest of the suite does not
+# depend on it and is not built again.
+ARM_NEON=${ARM_NEON_BUILD_DIR:-$ROOT/build-arm-neon}
+step "NEON designers: cross build into $ARM_NEON"
+if [ ! -f "$ARM_NEON/build.ninja" ]; then
+  cmake -S "$ROOT" -B "$ARM_NEON" -G Ninja \
+    -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/toolchain-armhf.cmake" \
+    -DQH_ARMHF_SYSROOT="$SYSROOT" -DQH_FILTERDESIGN_NEON=ON -DQH_BUILD_TOOLS=OFF \
+    >"$ARM_NEON.configure.log" 2>&1 || { cat "$ARM_NEON.configure.log"; die "NEON cross configure failed"; }
+fi
+neon_tests=()
+for src in "$ROOT"/tests/filterdesign/*_test.cpp; do neon_tests+=("$(basename "${src%.cpp}")"); done
+cmake --build "$ARM_NEON" -j"$JOBS" --target designer_sweep "${neon_tests[@]}"
+# The scaling pass must really run in NEON registers (q registers, .f32).
+neon_ops=$(arm-linux-gnueabihf-objdump -d "$ARM_NEON/lib/libqh_filterdesign.a" | grep -cE 'v(add|mul)\.f32[[:space:]]+q') || true
+[ "${neon_ops:-0}" -gt 0 ] || die "libqh_filterdesign.a in $ARM_NEON holds no NEON arithmetic"
+echo "NEON float arithmetic instructions in libqh_filterdesign.a: $neon_ops"
+
+step "NEON designers: their tests under $QEMU"
+neon_fail=0
+for t in "${neon_tests[@]}"; do
+  if "$QEMU" "$ARM_NEON/tests/$t" --gtest_brief=1 >"$ARM_NEON/$t.log" 2>&1; then
+    echo "  $t: passed"
+  else
+    neon_fail=$((neon_fail + 1)); echo "  $t FAILED:"; cat "$ARM_NEON/$t.log"
+  fi
+done
+[ "$neon_fail" -eq 0 ] || die "$neon_fail designer test programs failed with NEON under $QEMU"
+
+step "NEON designers: designer sweep against the build machine"
+cp "$OUT/host/designer_sweep.bin" "$OUT/host/designer_sweep.neon.bin"
+cp "$OUT/host/designer_sweep.bin.index" "$OUT/host/designer_sweep.neon.bin.index"
+"$QEMU" "$ARM_NEON/tests/designer_sweep" "$OUT/arm/designer_sweep.neon.bin"
+compare designer_sweep.neon.bin
+compare designer_sweep.neon.bin.index
+if ! cmp -s "$OUT/host/designer_sweep.neon.bin" "$OUT/arm/designer_sweep.neon.bin"; then
+  "$ROOT/tests/identity/explain_diff.sh" "$OUT/host/designer_sweep.neon.bin" "$OUT/arm/designer_sweep.neon.bin" || true
+fi
+# End of the NEON steps.
 
 # ---------------------------------------------------------------------------
 step "heron populate and convert on the examples: armhf against the build machine"

@@ -168,7 +168,7 @@ if [ ! -f "$ARM_NEON/build.ninja" ]; then
 fi
 neon_tests=()
 for src in "$ROOT"/tests/filterdesign/*_test.cpp; do neon_tests+=("$(basename "${src%.cpp}")"); done
-cmake --build "$ARM_NEON" -j"$JOBS" --target designer_sweep "${neon_tests[@]}"
+cmake --build "$ARM_NEON" -j"$JOBS" --target qh_filterdesign designer_sweep "${neon_tests[@]}"
 # The scaling pass must really run in NEON registers (q registers, .f32).
 neon_ops=$(arm-linux-gnueabihf-objdump -d "$ARM_NEON/lib/libqh_filterdesign.a" | grep -cE 'v(add|mul)\.f32[[:space:]]+q') || true
 [ "${neon_ops:-0}" -gt 0 ] || die "libqh_filterdesign.a in $ARM_NEON holds no NEON arithmetic"

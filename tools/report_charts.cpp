@@ -144,18 +144,7 @@ std::vector<an::Cascade> FloatDesigns(const HeronSettings& s, const FilterChart&
     add(FloatButterworth(x.has_cutoff(), x.cutoff(), x.order(), rate, QH_IIR_HIGHPASS));
     if (out.size() != 2) out.clear();
   } else if (filter == "thumpx" && p.thumpx_coef().has_filterdesignparams()) {
-    const auto& d = p.thumpx_coef().filterdesignparams();
-    qh_design::ThumpxRequest r;
-    r.custom_speaker_size = d.custom_speaker_size();
-    r.bass_ctrl = static_cast<float>(d.bass_ctrl());
-    r.hp_ratio = static_cast<float>(d.hp_ratio());
-    r.ext_bass = static_cast<float>(d.ext_bass());
-    r.sampling_rate = rate;
-    r.lp_ratio = static_cast<float>(d.lp_ratio());
-    r.pre_lp_freq = static_cast<float>(d.pre_lp_freq());
-    r.harm_hp_freq = static_cast<float>(d.harm_hp_freq());
-    r.clip_level = static_cast<float>(d.clip_level());
-    out = FloatGroups(qh_design::Family::kThumpx, RunFloat(r));
+    out = FloatGroups(qh_design::Family::kThumpx, RunFloat(ThumpxRequestFrom(p.thumpx_coef().filterdesignparams(), rate)));
   } else if (filter.rfind("mbhl.", 0) == 0 && s.designerparameters().has_mbhl_design_params()) {
     const auto& dp = s.designerparameters().mbhl_design_params();
     const int hz = filter == "mbhl.low" ? dp.custom_low_cross() : dp.custom_mid_cross();

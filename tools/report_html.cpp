@@ -15,19 +15,7 @@ namespace {
 constexpr const char* kColours[] = {"#1f77b4", "#d62728", "#2ca02c", "#9467bd", "#ff7f0e",
                                     "#17becf", "#8c564b", "#e377c2", "#7f7f7f", "#bcbd22"};
 
-std::string Escape(const std::string& s) {
-  std::string out;
-  for (char c : s) {
-    switch (c) {
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '&': out += "&amp;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
+std::string Escape(const std::string& s) { return XmlEscape(s); }
 
 // Text inside a <script> element: "</script" would end it.
 std::string ScriptText(const std::string& s) {

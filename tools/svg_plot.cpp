@@ -13,19 +13,6 @@ namespace {
 constexpr double kWidth = 860, kHeight = 480;
 constexpr double kLeft = 70, kRight = 20, kTop = 40, kBottom = 60;
 
-std::string Escape(const std::string& s) {
-  std::string out;
-  for (char c : s) {
-    switch (c) {
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '&': out += "&amp;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
-    }
-  }
-  return out;
-}
 
 std::string Num(double v) {
   char buf[32];
@@ -109,7 +96,7 @@ void DrawPanel(std::ostringstream& s, const PlotPanel& panel, double top, double
   s << "<rect x=\"" << kLeft << "\" y=\"" << Num(top) << "\" width=\"" << pw << "\" height=\"" << Num(height)
     << "\" fill=\"none\" stroke=\"black\"/>\n";
   s << "<text transform=\"translate(18," << Num(top + height / 2) << ") rotate(-90)\" text-anchor=\"middle\">"
-    << Escape(panel.axis) << "</text>\n";
+    << XmlEscape(panel.axis) << "</text>\n";
   // Faint curves under the others; a curve with nothing finite is named.
   std::vector<const PlotCurve*> legend, not_a_number;
   for (int pass = 0; pass < 2; ++pass) {
@@ -123,7 +110,7 @@ void DrawPanel(std::ostringstream& s, const PlotPanel& panel, double top, double
         not_a_number.push_back(&c);
         continue;
       }
-      s << "<polyline fill=\"none\" stroke=\"" << Escape(c.colour) << "\" stroke-width=\"" << (c.faint ? "1" : "1.6")
+      s << "<polyline fill=\"none\" stroke=\"" << XmlEscape(c.colour) << "\" stroke-width=\"" << (c.faint ? "1" : "1.6")
         << "\"" << (c.faint ? " stroke-opacity=\"0.7\"" : "") << (c.dashed ? " stroke-dasharray=\"6,4\"" : "")
         << " points=\"" << points << "\"/>\n";
       if (!c.faint) legend.push_back(&c);
@@ -131,7 +118,7 @@ void DrawPanel(std::ostringstream& s, const PlotPanel& panel, double top, double
   }
   for (size_t i = 0; i < not_a_number.size(); ++i) {
     s << "<text x=\"" << kLeft + pw / 2 << "\" y=\"" << Num(top + height / 2 + 18.0 * i)
-      << "\" text-anchor=\"middle\" fill=\"#b00\">" << Escape(not_a_number[i]->label) << ": not a number</text>\n";
+      << "\" text-anchor=\"middle\" fill=\"#b00\">" << XmlEscape(not_a_number[i]->label) << ": not a number</text>\n";
   }
   // The legend in the panel's lower-left corner on a white box sized to the
   // longest label.
@@ -146,13 +133,27 @@ void DrawPanel(std::ostringstream& s, const PlotPanel& panel, double top, double
     const PlotCurve& c = *legend[i];
     const double ly = box_y + 18 + 18.0 * i;
     s << "<line x1=\"" << Num(box_x + 8) << "\" y1=\"" << Num(ly - 4) << "\" x2=\"" << Num(box_x + 38) << "\" y2=\""
-      << Num(ly - 4) << "\" stroke=\"" << Escape(c.colour) << "\" stroke-width=\"2\""
+      << Num(ly - 4) << "\" stroke=\"" << XmlEscape(c.colour) << "\" stroke-width=\"2\""
       << (c.dashed ? " stroke-dasharray=\"6,4\"" : "") << "/>\n";
-    s << "<text x=\"" << Num(box_x + 44) << "\" y=\"" << Num(ly) << "\">" << Escape(c.label) << "</text>\n";
+    s << "<text x=\"" << Num(box_x + 44) << "\" y=\"" << Num(ly) << "\">" << XmlEscape(c.label) << "</text>\n";
   }
 }
 
 }  // namespace
+
+std::string XmlEscape(const std::string& s) {
+  std::string out;
+  for (char c : s) {
+    switch (c) {
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '&': out += "&amp;"; break;
+      case '"': out += "&quot;"; break;
+      default: out += c;
+    }
+  }
+  return out;
+}
 
 std::string RenderChartSvg(const std::string& title, const std::vector<PlotPanel>& panels) {
   double fmin = 1e300, fmax = 0;
@@ -171,7 +172,7 @@ std::string RenderChartSvg(const std::string& title, const std::vector<PlotPanel
   s << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << kWidth << "\" height=\"" << height
     << "\" font-family=\"sans-serif\" font-size=\"12\">\n";
   s << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
-  s << "<text x=\"" << kWidth / 2 << "\" y=\"22\" text-anchor=\"middle\" font-size=\"15\">" << Escape(title)
+  s << "<text x=\"" << kWidth / 2 << "\" y=\"22\" text-anchor=\"middle\" font-size=\"15\">" << XmlEscape(title)
     << "</text>\n";
   for (size_t i = 0; i < panels.size(); ++i) {
     DrawPanel(s, panels[i], kTop + i * (panel_height + gap), panel_height, fmin, fmax, i + 1 == panels.size());

@@ -23,6 +23,9 @@ struct PlotPanel {
   std::vector<PlotCurve> curves;
 };
 
+// `s` with the characters XML gives a meaning (< > & ") escaped.
+std::string XmlEscape(const std::string& s);
+
 // A complete SVG document: the title, then the panels one above the other,
 // each with labelled axes, a grid and a legend. A curve with no finite point
 // is named in its panel as "not a number" instead of being drawn.

@@ -79,23 +79,6 @@ bool RunFixed(const Request& request, int width, std::vector<int64_t>* words) {
   return true;
 }
 
-// The bass designer's request as the converter builds it from the settings'
-// design parameters (the rate given, not the parameters' own).
-qh_design::ThumpxRequest ThumpxRequestFrom(const quill::pb::tech::ThumpxFilterDesignParameters& d, int rate) {
-  qh_design::ThumpxRequest r;
-  r.custom_speaker_size = d.custom_speaker_size();
-  r.bass_ctrl = static_cast<float>(d.bass_ctrl());
-  r.hp_ratio = static_cast<float>(d.hp_ratio());
-  r.ext_bass = static_cast<float>(d.ext_bass());
-  r.sampling_rate = rate;
-  r.lp_ratio = static_cast<float>(d.lp_ratio());
-  r.pre_lp_freq = static_cast<float>(d.pre_lp_freq());
-  r.harm_hp_freq = static_cast<float>(d.harm_hp_freq());
-  r.clip_level = static_cast<float>(d.clip_level());
-  r.reserved = 0x3F800000;  // as the converter passes it; no designer reads it
-  return r;
-}
-
 TableFilter Butterworth(const std::string& path, const char* step, const CoefTable* t, int width, int cutoff,
                         bool has_cutoff, int order, int type, int rate) {
   TableFilter f{path, step, t, width, Layout::kCascade, (order + 1) / 2, "", nullptr};
@@ -207,6 +190,23 @@ std::string DifferenceText(const std::pair<double, double>& d) {
 }
 
 }  // namespace
+
+// The bass designer's request as the converter builds it from the settings'
+// design parameters (the rate given, not the parameters' own).
+qh_design::ThumpxRequest ThumpxRequestFrom(const quill::pb::tech::ThumpxFilterDesignParameters& d, int rate) {
+  qh_design::ThumpxRequest r;
+  r.custom_speaker_size = d.custom_speaker_size();
+  r.bass_ctrl = static_cast<float>(d.bass_ctrl());
+  r.hp_ratio = static_cast<float>(d.hp_ratio());
+  r.ext_bass = static_cast<float>(d.ext_bass());
+  r.sampling_rate = rate;
+  r.lp_ratio = static_cast<float>(d.lp_ratio());
+  r.pre_lp_freq = static_cast<float>(d.pre_lp_freq());
+  r.harm_hp_freq = static_cast<float>(d.harm_hp_freq());
+  r.clip_level = static_cast<float>(d.clip_level());
+  r.reserved = 0x3F800000;  // as the converter passes it; no designer reads it
+  return r;
+}
 
 std::string DesignerObjection(const quill::pb::heron_v1_1::HeronSettings& settings, int step, int rate) {
   qh_design::Objection o;

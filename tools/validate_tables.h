@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "filter_layouts.h"
+#include "design_requests.h"
 #include "validate_findings.h"
 
 namespace heron_tool {
@@ -37,6 +38,10 @@ void StaleTables(const RuleContext& c);
 void TableWidths(const RuleContext& c);
 // A cut-off, crossover or band frequency at or above half the rate.
 void HalfRateFrequencies(const RuleContext& c);
+
+// The bass designer's request as the converter builds it from the settings'
+// design parameters, at `rate`.
+qh_design::ThumpxRequest ThumpxRequestFrom(const quill::pb::tech::ThumpxFilterDesignParameters& d, int rate);
 
 // Why the designer rejects the design parameters of a failing design step
 // (bass enhancement or limiter crossovers) at `rate`; "" when it does not.

@@ -189,13 +189,15 @@ void ScaleCascade(float* cascade, int section_count, float* workspace, ScalePath
   switch (path) {
     case ScalePath::kAuto:
       measured = section_count >= kLaneMinSections &&
-                 MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
+                 MeasureNodeSumsLanes(cascade, section_count, cap,
+                                      section_count >= kWideLaneMinSections ? ScalePath::kWideLanes
+                                                                            : ScalePath::kLanes,
+                                      w.sums);
       break;
     case ScalePath::kLanes:
-      measured = MeasureNodeSumsLanes(cascade, section_count, cap, false, w.sums);
-      break;
+    case ScalePath::kWideLanes:
     case ScalePath::kPlainLanes:
-      measured = MeasureNodeSumsLanes(cascade, section_count, cap, true, w.sums);
+      measured = MeasureNodeSumsLanes(cascade, section_count, cap, path, w.sums);
       break;
     case ScalePath::kSections:
       break;

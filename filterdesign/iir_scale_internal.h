@@ -17,10 +17,12 @@ constexpr int kScaleInitialBlocks = 10;
 constexpr double kScaleDecayThreshold = 1.28e-10;
 
 enum class ScalePath {
-  kAuto,         // what the exported entry points use
-  kSections,     // section after section, block after block
-  kLanes,        // wavefront in this build's SIMD lanes (kSections when it has none)
-  kPlainLanes,   // the same wavefront on the four-float fallback lanes
+  kAuto,        // what the exported entry points use
+  kSections,    // section after section, block after block
+  kLanes,       // wavefront in this build's four-lane SIMD vectors (kSections when it has none)
+  kWideLanes,   // wavefront in eight-lane AVX2 vectors where the build and the processor
+                // have them, else as kLanes
+  kPlainLanes,  // the same wavefront on the four-float fallback lanes
 };
 
 // Cascades the wavefront takes: from 1 to this many sections, every
@@ -30,23 +32,29 @@ enum class ScalePath {
 // section.
 constexpr int kLaneMaxSections = 64;
 constexpr int kLaneMinSections = 2;
+// kAuto takes eight-lane vectors, where there are, for more sections than one
+// four-lane vector holds.
+constexpr int kWideLaneMinSections = 5;
 
 // ScaleCascadedTransposedDirectForm2IIR with a chosen path (REQUIRES:
 // workspace of QH_ScaleWorkspaceFloats(section_count) floats). A cascade the
 // chosen path does not take runs section after section.
 void ScaleCascade(float* cascade, int section_count, float* workspace, ScalePath path);
 
-// True when this build has SIMD lanes for the wavefront.
+// True when this build has four-lane SIMD vectors for the wavefront.
 bool HasNativeLanes();
+// True when this build has eight-lane AVX2 vectors and the processor runs them.
+bool HasWideLanes();
 
 // The wavefront measurement: for each section s, sums[3s], sums[3s + 1] and
 // sums[3s + 2] receive the L1 sums of its output, state 1 and state 2 over the
 // impulse blocks and the decay blocks. Returns false, writing nothing, for a
 // cascade it does not take (see kLaneMaxSections; on lanes that flush
 // subnormals also any coefficient below 2^-103), and always in a build
-// without SIMD lanes unless plain_lanes. decay_cap_blocks bounds the decay
-// phase as the section-after-section pass does.
-bool MeasureNodeSumsLanes(const float* cascade, int sections, long decay_cap_blocks, bool plain_lanes,
+// without SIMD lanes unless on kPlainLanes. `lanes` is kLanes, kWideLanes or
+// kPlainLanes. decay_cap_blocks bounds the decay phase as the
+// section-after-section pass does.
+bool MeasureNodeSumsLanes(const float* cascade, int sections, long decay_cap_blocks, ScalePath lanes,
                           float* sums);
 
 }  // namespace fd

@@ -5,11 +5,11 @@
 // lane computes exactly what scalar code computes from the same operands.
 // Exception: NEON flushes subnormal operands and results to zero; its Watch
 // reports the values after which that could happen (see Watch below).
-// Header-only, stateless; safe on any thread.
+// Header-only, stateless; safe on any thread. Internal linkage throughout, for
+// the reason given in iir_scale_wavefront.h.
 #ifndef QUILLHERON_FILTERDESIGN_LANES4_H_
 #define QUILLHERON_FILTERDESIGN_LANES4_H_
 
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -23,13 +23,15 @@
 
 namespace qh {
 namespace fd {
+namespace {
 
 // Bit masks selecting one lane, for KeepLane / ClearLane.
-alignas(16) inline constexpr uint32_t kLaneMask4[4][4] = {
+alignas(16) constexpr uint32_t kLaneMask4[4][4] = {
     {~0u, 0, 0, 0}, {0, ~0u, 0, 0}, {0, 0, ~0u, 0}, {0, 0, 0, ~0u}};
 
 // The four-float fallback; also the reference the vector types follow.
 struct PlainLanes4 {
+  static constexpr int kWidth = 4;
   static constexpr bool kFlushesSubnormals = false;
   float v[4];
 
@@ -43,7 +45,7 @@ struct PlainLanes4 {
     return {{a.v[0] * b.v[0], a.v[1] * b.v[1], a.v[2] * b.v[2], a.v[3] * b.v[3]}};
   }
   friend PlainLanes4 Abs(const PlainLanes4& a) {
-    return {{std::fabs(a.v[0]), std::fabs(a.v[1]), std::fabs(a.v[2]), std::fabs(a.v[3])}};
+    return {{__builtin_fabsf(a.v[0]), __builtin_fabsf(a.v[1]), __builtin_fabsf(a.v[2]), __builtin_fabsf(a.v[3])}};
   }
   // {prev[3], cur[0], cur[1], cur[2]}: lanes move up by one, prev's top lane enters.
   friend PlainLanes4 ShiftIn(const PlainLanes4& prev, const PlainLanes4& cur) {
@@ -75,6 +77,7 @@ struct PlainLanes4 {
 
 #if defined(QH_LANES4_SSE2)
 struct SseLanes4 {
+  static constexpr int kWidth = 4;
   static constexpr bool kFlushesSubnormals = false;  // MXCSR as the caller left it, as for scalar code
   __m128 v;
 
@@ -124,6 +127,7 @@ using NativeLanes4 = SseLanes4;
 struct NeonLanes4 {
   // Advanced SIMD always flushes subnormals to zero (and returns the default
   // NaN), whatever the VFP control register says.
+  static constexpr int kWidth = 4;
   static constexpr bool kFlushesSubnormals = true;
   float32x4_t v;
 
@@ -173,6 +177,7 @@ using NativeLanes4 = NeonLanes4;
 #define QH_LANES4_NATIVE 1
 #endif
 
+}  // namespace
 }  // namespace fd
 }  // namespace qh
 

@@ -1,4 +1,5 @@
-// The scaling pass in SIMD lanes against the section-after-section pass, word
+// The scaling pass in SIMD lanes (four-lane, eight-lane where the processor has
+// them, and the plain fallback) against the section-after-section pass, word
 // for word: random stable cascades of every chunk size, near-unstable ones
 // (pole radius up to 1 - 1e-4), and cascades that underflow, diverge, ring for
 // ever or hold subnormal or non-finite coefficients.
@@ -35,7 +36,7 @@ uint32_t Bits(float v) {
 // Every lane path gives the words of the section path.
 void ExpectSameWords(const std::vector<float>& cascade, const std::string& what) {
   const std::vector<float> want = Scaled(cascade, ScalePath::kSections);
-  for (ScalePath path : {ScalePath::kLanes, ScalePath::kPlainLanes, ScalePath::kAuto}) {
+  for (ScalePath path : {ScalePath::kLanes, ScalePath::kWideLanes, ScalePath::kPlainLanes, ScalePath::kAuto}) {
     const std::vector<float> got = Scaled(cascade, path);
     for (size_t i = 0; i < want.size(); ++i) {
       if (Bits(want[i]) != Bits(got[i])) {
@@ -75,7 +76,7 @@ TEST(IirScaleLanes, BuildHasVectorLanesWhereExpected) {
 }
 
 // Section counts around every vector and chunk edge, up to the lane limit.
-constexpr int kSectionCounts[] = {1, 2, 3, 4, 5, 7, 8, 9, 11, 12, 13, 16, 23, 24, 25, 37, 63, 64, 65};
+constexpr int kSectionCounts[] = {1, 2, 3, 4, 5, 7, 8, 9, 11, 12, 13, 16, 17, 23, 24, 25, 33, 37, 63, 64, 65};
 
 TEST(IirScaleLanes, RandomStableCascades) {
   std::mt19937 rng(20261123);

@@ -11,16 +11,17 @@
 //
 // A step adds the magnitudes of the values of the step before, once they have
 // served as operands (so no copy of them is kept), and then computes new ones.
-// Lane k's block b covers steps 128b + k .. 128b + 127 + k, so its block sums
-// are complete during step 128b + 128 + k. Steps run in frames aligned on the
-// last section: frame f is steps 128f + S .. 128f + 127 + S, after a prologue
-// of S steps, so that every lane completes block f within frame f (lane k at
-// frame step 128 - S + k) and the last section's block, which decides whether
-// the decay phase is over, completes in the frame's last step. What leading
-// lanes run past it belongs to block f + 1 and is dropped when the pass stops.
-// Before its first sample a lane sees only zero inputs and keeps zero states
-// and sums (signs of zeros aside, which no magnitude or non-zero value depends
-// on), provided every coefficient is finite: 0 * inf would be a not-a-number.
+// Section k's block b covers steps 128b + k .. 128b + 127 + k, so its block
+// sums are complete during step 128b + 128 + k. Steps run in frames aligned on
+// the last section: frame f is steps 128f + S .. 128f + 127 + S, after a
+// prologue of S steps, so that every section completes block f within frame f
+// (section k at frame step 128 - S + k) and the last section's block, which
+// decides whether the decay phase is over, completes in the frame's last step.
+// What leading sections run past it belongs to block f + 1 and is dropped when
+// the pass stops. Before its first sample a lane sees only zero inputs and
+// keeps zero states and sums (signs of zeros aside, which no magnitude or
+// non-zero value depends on), provided every coefficient is finite: 0 * inf
+// would be a not-a-number.
 //
 // Up to W * ChunkVectors sections run as one chunk held in registers; longer
 // cascades run chunk after chunk through each frame, a chunk handing its last

@@ -47,11 +47,7 @@ struct PlainLanes4 {
   friend PlainLanes4 Abs(const PlainLanes4& a) {
     return {{__builtin_fabsf(a.v[0]), __builtin_fabsf(a.v[1]), __builtin_fabsf(a.v[2]), __builtin_fabsf(a.v[3])}};
   }
-  // {prev[3], cur[0], cur[1], cur[2]}: lanes move up by one, prev's top lane enters.
-  friend PlainLanes4 ShiftIn(const PlainLanes4& prev, const PlainLanes4& cur) {
-    return {{prev.v[3], cur.v[0], cur.v[1], cur.v[2]}};
-  }
-  // {x, cur[0], cur[1], cur[2]} / {+0, cur[0], cur[1], cur[2]}.
+  // {x, cur[0], cur[1], cur[2]} / {+0, cur[0], cur[1], cur[2]}: lanes move up by one.
   friend PlainLanes4 ShiftIn(float x, const PlainLanes4& cur) { return {{x, cur.v[0], cur.v[1], cur.v[2]}}; }
   friend PlainLanes4 ShiftInZero(const PlainLanes4& cur) { return {{0.0f, cur.v[0], cur.v[1], cur.v[2]}}; }
   // a with every lane but d set to +0 / a with lane d set to +0.
@@ -83,17 +79,12 @@ struct SseLanes4 {
 
   static SseLanes4 Load(const float* p) { return {_mm_load_ps(p)}; }
   void Store(float* p) const { _mm_store_ps(p, v); }
-  static SseLanes4 Zero() { return {_mm_setzero_ps()}; }
   friend SseLanes4 operator+(SseLanes4 a, SseLanes4 b) { return {_mm_add_ps(a.v, b.v)}; }
   friend SseLanes4 operator*(SseLanes4 a, SseLanes4 b) { return {_mm_mul_ps(a.v, b.v)}; }
   // AND with 0x7fffffff: a commutative operation, so a value that is not
   // needed afterwards can be cleared in place.
   friend SseLanes4 Abs(SseLanes4 a) {
     return {_mm_and_ps(a.v, _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)))};
-  }
-  friend SseLanes4 ShiftIn(SseLanes4 prev, SseLanes4 cur) {
-    const __m128 t = _mm_shuffle_ps(prev.v, cur.v, _MM_SHUFFLE(0, 0, 3, 3));  // p3 p3 c0 c0
-    return {_mm_shuffle_ps(t, cur.v, _MM_SHUFFLE(2, 1, 2, 0))};             // p3 c0 c1 c2
   }
   friend SseLanes4 ShiftIn(float x, SseLanes4 cur) {
     const __m128 t = _mm_shuffle_ps(cur.v, cur.v, _MM_SHUFFLE(2, 1, 0, 0));  // c0 c0 c1 c2
@@ -133,11 +124,9 @@ struct NeonLanes4 {
 
   static NeonLanes4 Load(const float* p) { return {vld1q_f32(p)}; }
   void Store(float* p) const { vst1q_f32(p, v); }
-  static NeonLanes4 Zero() { return {vdupq_n_f32(0.0f)}; }
   friend NeonLanes4 operator+(NeonLanes4 a, NeonLanes4 b) { return {vaddq_f32(a.v, b.v)}; }
   friend NeonLanes4 operator*(NeonLanes4 a, NeonLanes4 b) { return {vmulq_f32(a.v, b.v)}; }
   friend NeonLanes4 Abs(NeonLanes4 a) { return {vabsq_f32(a.v)}; }
-  friend NeonLanes4 ShiftIn(NeonLanes4 prev, NeonLanes4 cur) { return {vextq_f32(prev.v, cur.v, 3)}; }
   friend NeonLanes4 ShiftIn(float x, NeonLanes4 cur) {
     return {vsetq_lane_f32(x, vextq_f32(cur.v, cur.v, 3), 0)};
   }

@@ -35,18 +35,13 @@ struct Avx2Lanes8 {
   friend Avx2Lanes8 Abs(Avx2Lanes8 a) {
     return {_mm256_and_ps(a.v, _mm256_castsi256_ps(_mm256_set1_epi32(0x7fffffff)))};
   }
-  // {prev[7], cur[0], ..., cur[6]}: the halves {prev[4..7], cur[0..3]} then,
-  // per 128-bit half, twelve bytes on.
-  friend Avx2Lanes8 ShiftIn(Avx2Lanes8 prev, Avx2Lanes8 cur) {
-    const __m256 t = _mm256_permute2f128_ps(prev.v, cur.v, 0x21);
-    return {_mm256_castsi256_ps(_mm256_alignr_epi8(_mm256_castps_si256(cur.v), _mm256_castps_si256(t), 12))};
+  // {x, cur[0], ..., cur[6]}: the halves {x x x x, cur[0..3]}, then per
+  // 128-bit half twelve bytes on.
+  friend Avx2Lanes8 ShiftIn(float x, Avx2Lanes8 cur) {
+    return UpOne(cur, _mm256_permute2f128_ps(_mm256_set1_ps(x), cur.v, 0x21));
   }
-  friend Avx2Lanes8 ShiftIn(float x, Avx2Lanes8 cur) { return ShiftIn(Avx2Lanes8{_mm256_set1_ps(x)}, cur); }
   // {+0, cur[0], ..., cur[6]}: the halves {0, cur[0..3]}, then as above.
-  friend Avx2Lanes8 ShiftInZero(Avx2Lanes8 cur) {
-    const __m256 t = _mm256_permute2f128_ps(cur.v, cur.v, 0x08);
-    return {_mm256_castsi256_ps(_mm256_alignr_epi8(_mm256_castps_si256(cur.v), _mm256_castps_si256(t), 12))};
-  }
+  friend Avx2Lanes8 ShiftInZero(Avx2Lanes8 cur) { return UpOne(cur, _mm256_permute2f128_ps(cur.v, cur.v, 0x08)); }
   friend Avx2Lanes8 KeepLane(Avx2Lanes8 a, int d) {
     return {_mm256_and_ps(a.v, _mm256_load_ps(reinterpret_cast<const float*>(kLaneMask8[d])))};
   }
@@ -61,6 +56,12 @@ struct Avx2Lanes8 {
   friend float LastLane(Avx2Lanes8 a) {
     const __m128 high = _mm256_extractf128_ps(a.v, 1);
     return _mm_cvtss_f32(_mm_shuffle_ps(high, high, _MM_SHUFFLE(3, 3, 3, 3)));
+  }
+
+  // cur's lanes one up within each 128-bit half, the top lane of below's
+  // halves entering: below holds {what enters lane 0 in its lane 3, cur[0..3]}.
+  static Avx2Lanes8 UpOne(Avx2Lanes8 cur, __m256 below) {
+    return {_mm256_castsi256_ps(_mm256_alignr_epi8(_mm256_castps_si256(cur.v), _mm256_castps_si256(below), 12))};
   }
 
   struct Watch {
